@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "app/findMenu.h"
+
+#include "text/stringEngine.h"
+
+#include <array>
+#include <string_view>
+
+namespace sonarin {
+
+namespace {
+
+struct FindRule {
+    FindKey key;
+    SvxStringRef audioTags::*value; ///< null for the year, the only number
+    std::string_view titleFormat;
+};
+
+constexpr std::array<FindRule, 6> findRules = {{
+    {FindKey::song, &audioTags::mp3SongTitleString, "Find all songs \"%@\" in Shelvix"},
+    {FindKey::album, &audioTags::mp3AlbumString, "Find all songs of album \"%@\" in Shelvix"},
+    {FindKey::artist, &audioTags::mp3ArtistString, "Find all songs of artist \"%@\" in Shelvix"},
+    {FindKey::year, nullptr, "Find all songs of %li in Shelvix"},
+    {FindKey::genre, &audioTags::mp3Genre2String, "Find all songs of genre \"%@\" in Shelvix"},
+    {FindKey::composer, &audioTags::mp3ComposerString, "Find all songs of composer \"%@\" in Shelvix"},
+}};
+
+bool hasValue(const FindRule& rule, const audioTags& record) {
+    return rule.value == nullptr ? record.mp3Year != 0 : SvxStringIsValid(record.*rule.value);
+}
+
+} // namespace
+
+std::vector<FindKey> findKeys(const audioTags& record) {
+    std::vector<FindKey> keys;
+    for (const FindRule& rule : findRules) {
+        if (hasValue(rule, record)) {
+            keys.push_back(rule.key);
+        }
+    }
+    return keys;
+}
+
+SvxStringRef findEntryTitle(FindKey key, const audioTags& record) noexcept {
+    const FindRule& rule = findRules[static_cast<std::size_t>(key)];
+    if (rule.value == nullptr) {
+        return SvxStringCreateWithFormat(rule.titleFormat, {record.mp3Year});
+    }
+    return SvxStringCreateWithFormat(rule.titleFormat, {record.*rule.value});
+}
+
+} // namespace sonarin

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "engine/audioMetaData.h"
+#include "text/SvxString.h"
+
+#include <vector>
+
+/// What the Find menu offers to look for in the cataloguer.
+namespace sonarin {
+
+/// The keys in the order of the menu.
+enum class FindKey { song, album, artist, year, genre, composer };
+
+/// The keys that the record has a value for; an empty text counts as a value, a year of 0 does not.
+[[nodiscard]] std::vector<FindKey> findKeys(const audioTags& record);
+
+/// The title of the menu entry, the value as it stands.
+[[nodiscard]] SvxStringRef findEntryTitle(FindKey key, const audioTags& record) noexcept;
+
+} // namespace sonarin

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#include "app/shownFile.h"
+
+#include "engine/fileEngine.h"
+
+#include <utility>
+
+namespace sonarin {
+
+ShownFile readShownFile(SvxStringRef path) noexcept {
+    ShownFile file;
+    file.path = std::move(path);
+    FSRef ref;
+    if (feMakeFSRefFromPath(file.path, &ref) == fileNoErr) {
+        file.attributes = hostFileAttributes(ref.path);
+    }
+    file.type = amdAudioFileType(file.path);
+    if (file.type != amdTypeNone && file.attributes.isRegular) {
+        file.result = amdGetAudioMetaDataForFile(file.path, &file.record);
+    }
+    return file;
+}
+
+} // namespace sonarin

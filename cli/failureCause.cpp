@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "cli/failureCause.h"
+
+#include "engine/fileEngine.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace sonarin {
+
+namespace {
+
+std::string hostErrorText(int error) { return std::generic_category().message(error); }
+
+} // namespace
+
+std::string failureCause(const ShownFile& file) {
+    FSRef ref;
+    struct stat status {};
+    if (feMakeFSRefFromPath(file.path, &ref) != fileNoErr) {
+        return hostErrorText(ENOENT);
+    }
+    if (stat(ref.path.c_str(), &status) != 0) {
+        return hostErrorText(errno);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return hostErrorText(EISDIR);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return "Not a regular file";
+    }
+    if (file.type == amdTypeNone) {
+        return "Not an audio file, going by its name and type codes";
+    }
+    if (access(ref.path.c_str(), R_OK) != 0) {
+        return hostErrorText(errno);
+    }
+    if (status.st_size == 0) {
+        return "The file is empty";
+    }
+    return file.type == amdTypeMP3 ? "No MPEG audio frame found" : "The format cannot be read yet";
+}
+
+} // namespace sonarin

@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: MIT
+#include "cli/jsonOutput.h"
+
+#include "app/findMenu.h"
+#include "app/panelTexts.h"
+#include "app/renameMenu.h"
+#include "engine/fileEngine.h"
+#include "text/byteLanes.h"
+#include "text/stringEngine.h"
+#include "text/unicodeForms.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+namespace sonarin {
+
+namespace {
+
+/// Whether a unit needs no escape.
+constexpr bool standsForItself(unsigned unit) {
+    return unit >= ' ' && unit <= '~' && unit != '"' && unit != '\\';
+}
+
+/// The length of the run that needs no escape.
+std::size_t plainRun(std::string_view bytes) {
+    std::size_t run = 0;
+    for (; bytes.size() - run >= sizeof(ByteLanes); run += sizeof(ByteLanes)) {
+        const ByteLanes lanes = loadLanes(bytes.data() + run);
+        if (anyLane((lanes < ' ') | (lanes > '~') | (lanes == '"') | (lanes == '\\'))) {
+            break;
+        }
+    }
+    while (run < bytes.size() && standsForItself(unitOf(bytes[run]))) {
+        ++run;
+    }
+    return run;
+}
+
+/// A member's name as it stands in the line, made when the program is compiled.
+template <std::size_t Size>
+struct MemberName {
+    std::array<char, Size + 3> characters{};
+
+    consteval MemberName(const char (&name)[Size]) { // NOLINT(*-avoid-c-arrays,*-explicit-*): reads as a text
+        characters[0] = '"';
+        std::copy_n(name, Size - 1, characters.begin() + 1);
+        std::copy_n("\": ", 3, characters.begin() + Size);
+    }
+
+    [[nodiscard]] constexpr std::string_view view() const { return {characters.data(), characters.size()}; }
+};
+
+class JsonWriter {
+public:
+    explicit JsonWriter(OutputBuffer& out) : out_(out) {}
+
+    void beginObject() { begin('{'); }
+    template <MemberName name>
+    void beginObject() {
+        member<name>();
+        begin('{');
+    }
+    void endObject() { end('}'); }
+
+    template <MemberName name>
+    void beginArray() {
+        member<name>();
+        begin('[');
+    }
+    void endArray() { end(']'); }
+
+    template <MemberName name>
+    void number(std::int64_t value) {
+        member<name>();
+        out_.appendNumber(value);
+    }
+
+    template <MemberName name>
+    void boolean(bool value) {
+        member<name>();
+        out_.append(value ? "true" : "false");
+    }
+
+    template <MemberName name>
+    void null() {
+        member<name>();
+        out_.append("null");
+    }
+
+    /// An absent text is null.
+    template <MemberName name>
+    void text(const SvxStringRef& value) {
+        member<name>();
+        value ? string(*value) : out_.append("null");
+    }
+
+    /// An absent text is what a text field shows for it: "".
+    template <MemberName name>
+    void shownText(const SvxStringRef& value) {
+        member<name>();
+        value ? string(*value) : out_.append("\"\"");
+    }
+
+    void element(const SvxStringRef& value) {
+        separate();
+        value ? string(*value) : out_.append("null");
+    }
+
+private:
+    void begin(char bracket) {
+        out_.append(bracket);
+        first_ = true;
+    }
+
+    void end(char bracket) {
+        out_.append(bracket);
+        first_ = false;
+    }
+
+    void separate() {
+        if (!first_) {
+            out_.append(", ");
+        }
+        first_ = false;
+    }
+
+    template <MemberName name>
+    void member() {
+        separate();
+        out_.append(name.view());
+    }
+
+    void string(const SvxString& value) {
+        out_.append('"');
+        value.visit([this](auto units) { content(units); });
+        out_.append('"');
+    }
+
+    void content(std::string_view narrow) {
+        while (!narrow.empty()) {
+            const std::size_t run = plainRun(narrow);
+            out_.append(narrow.substr(0, run));
+            narrow.remove_prefix(run);
+            if (!narrow.empty()) {
+                special(unitOf(narrow.front()));
+                narrow.remove_prefix(1);
+            }
+        }
+    }
+
+    void content(std::u16string_view wide) {
+        forEachCharacter(wide, [this](CodePoint character) {
+            if (standsForItself(static_cast<unsigned>(character))) {
+                out_.append(static_cast<char>(character));
+            } else {
+                special(character);
+            }
+            return true;
+        });
+    }
+
+    /// A character that does not stand for itself as one byte.
+    void special(CodePoint character) {
+        if (character == '"' || character == '\\') {
+            out_.append('\\');
+            out_.append(static_cast<char>(character));
+        } else if (character < 0xA0 || isSurrogate(character)) { // the controls of C0 and C1, and delete
+            escape(character);
+        } else {
+            out_.append(encodeUtf8(character).view());
+        }
+    }
+
+    void escape(CodePoint unit) {
+        constexpr std::string_view hexDigits = "0123456789abcdef";
+        out_.append("\\u");
+        for (const unsigned shift : {12U, 8U, 4U, 0U}) {
+            out_.append(hexDigits[(static_cast<unsigned>(unit) >> shift) & 0xFU]);
+        }
+    }
+
+    OutputBuffer& out_;
+    bool first_ = true;
+};
+
+void appendRecord(JsonWriter& json, const audioTags& record) {
+    json.beginObject<"record">();
+    json.number<"mp3SongLen">(record.mp3SongLen);
+    json.number<"mp3BitRate">(record.mp3BitRate);
+    json.number<"mp3SamplingRate">(record.mp3SamplingRate);
+    json.number<"mp3ChannelMode">(record.mp3ChannelMode);
+    json.number<"mp3Version">(record.mp3Version);
+    json.number<"mp3Layer">(record.mp3Layer);
+    json.number<"mp3HasCRC">(record.mp3HasCRC);
+    json.number<"mp3HasVBR">(record.mp3HasVBR);
+    json.number<"mp3TagVersion">(record.mp3TagVersion);
+    json.number<"mp3Genre">(record.mp3Genre);
+    json.number<"mp3Year">(record.mp3Year);
+    json.number<"mp3TheTrack">(record.mp3TheTrack);
+    json.number<"mp3TrackAmount">(record.mp3TrackAmount);
+    json.text<"mp3SongTitleString">(record.mp3SongTitleString);
+    json.text<"mp3ArtistString">(record.mp3ArtistString);
+    json.text<"mp3AlbumString">(record.mp3AlbumString);
+    json.text<"mp3ComposerString">(record.mp3ComposerString);
+    json.text<"mp3CommentString">(record.mp3CommentString);
+    json.text<"mp3Genre2String">(record.mp3Genre2String);
+    json.text<"mp3LyricsString">(record.mp3LyricsString);
+    json.text<"mp3EncoderAppString">(record.mp3EncoderAppString);
+    if (record.mp3CoverArt) {
+        json.number<"mp3CoverArt">(static_cast<std::int64_t>(record.mp3CoverArt.size()));
+    } else {
+        json.null<"mp3CoverArt">();
+    }
+    json.text<"mp3CoverArtType">(fourCharacterText(record.mp3CoverArtType));
+    json.endObject();
+}
+
+void appendFacts(JsonWriter& json, const PanelFacts& facts) {
+    json.shownText<"id3DurationField">(facts.id3DurationField);
+    json.shownText<"id3BitrateEtcField">(facts.id3BitrateEtcField);
+    json.shownText<"id3SongTitleField">(facts.id3SongTitleField);
+    json.shownText<"id3ArtistField">(facts.id3ArtistField);
+    json.shownText<"id3AlbumField">(facts.id3AlbumField);
+    json.shownText<"id3YearField">(facts.id3YearField);
+    json.shownText<"id3ComposerField">(facts.id3ComposerField);
+    json.shownText<"id3EncoderAppField">(facts.id3EncoderAppField);
+    json.shownText<"id3GenreField">(facts.id3GenreField);
+    json.shownText<"id3CommentField">(facts.id3CommentField);
+    json.shownText<"id3TrackNumberField">(facts.id3TrackNumberField);
+    json.shownText<"id3ChannelsField">(facts.id3ChannelsField);
+    json.shownText<"id3TagVersionField">(facts.id3TagVersionField);
+}
+
+void appendPanel(JsonWriter& json, const ShownFile& file) {
+    const audioTags cleared;
+    const audioTags& shown = file.isRead() ? file.record : cleared;
+    json.beginObject<"panel">();
+    json.shownText<"windowTitle">(panelWindowTitle(file.path));
+    json.shownText<"fileNameField">(feLastPathComponent(file.path));
+    json.shownText<"fileSizeField">(panelFileSize(file.attributes));
+    appendFacts(json, file.isRead() ? panelFacts(file.record) : PanelFacts());
+    json.text<"lyricsText">(panelLyrics(shown));
+    json.boolean<"lyricsButton">(hasLyrics(shown));
+    // The menus and the Twitter button go by what the record holds, also after a failed read.
+    json.boolean<"twitterButton">(canTellTwitter(file.record));
+    json.beginArray<"renamePopup">();
+    for (const RenamePattern pattern : renamePatterns(file.record)) {
+        json.element(renameEntryTitle(pattern, file.record, file.type));
+    }
+    json.endArray();
+    json.beginArray<"findInShelvixPopup">();
+    for (const FindKey key : findKeys(file.record)) {
+        json.element(findEntryTitle(key, file.record));
+    }
+    json.endArray();
+    json.endObject();
+}
+
+} // namespace
+
+void appendJson(OutputBuffer& out, const ShownFile& file) {
+    JsonWriter json(out);
+    json.beginObject();
+    json.text<"path">(file.path);
+    json.number<"type">(file.type);
+    json.number<"result">(file.result);
+    appendRecord(json, file.record);
+    appendPanel(json, file);
+    json.endObject();
+    out.append('\n');
+}
+
+} // namespace sonarin

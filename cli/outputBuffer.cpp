@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "cli/outputBuffer.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace sonarin {
+
+namespace {
+
+/// Where the reader set its end of the pipe not to block, so is ours.
+void waitUntilWritable(int descriptor) {
+    pollfd waiting{descriptor, POLLOUT, 0};
+    (void)poll(&waiting, 1, -1);
+}
+
+} // namespace
+
+OutputBuffer::OutputBuffer(int descriptor)
+    : descriptor_(descriptor), buffer_(std::make_unique_for_overwrite<char[]>(capacity)) {} // NOLINT(*-avoid-c-arrays)
+
+void OutputBuffer::appendBeyondBuffer(std::string_view bytes) {
+    flush();
+    if (bytes.size() >= capacity) {
+        write(bytes);
+    } else {
+        append(bytes);
+    }
+}
+
+void OutputBuffer::appendNumber(std::int64_t number) {
+    std::array<char, 24> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    append(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
+}
+
+bool OutputBuffer::flush() {
+    write({buffer_.get(), used_});
+    used_ = 0;
+    return errorNumber_ == 0;
+}
+
+void OutputBuffer::write(std::string_view bytes) {
+    while (!bytes.empty() && errorNumber_ == 0) {
+        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+        if (written >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+            waitUntilWritable(descriptor_);
+        } else if (errno != EINTR) {
+            errorNumber_ = errno;
+        }
+    }
+}
+
+} // namespace sonarin

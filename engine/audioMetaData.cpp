@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "engine/audioMetaData.h"
+
+#include "engine/fileEngine.h"
+#include "engine/mp3tags.h"
+#include "platform/host/fileAttributes.h"
+#include "text/stringEngine.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace sonarin {
+
+namespace {
+
+bool endsWithAny(const SvxStringRef& name, std::initializer_list<const char*> suffixes) {
+    return std::any_of(suffixes.begin(), suffixes.end(),
+                       [&](const char* suffix) { return SvxStringEndsWithCString(name, suffix, false); });
+}
+
+HostTypeCodes typeCodesOf(const SvxStringRef& path) {
+    FSRef ref;
+    return feMakeFSRefFromPath(path, &ref) == fileNoErr ? hostTypeCodes(ref.path) : HostTypeCodes{};
+}
+
+} // namespace
+
+std::int32_t amdAudioFileType(const SvxStringRef& path) noexcept {
+    const SvxStringRef name = feLastPathComponent(path);
+    // The first test, once its name decides, says yes whatever the codes are: no need to ask the disk for them.
+    if (mp3PossibleFile(name, 0, 0) != 0) {
+        return amdTypeMP3;
+    }
+    const HostTypeCodes codes = typeCodesOf(path);
+    if (mp3PossibleFile(name, codes.type, codes.creator) != 0) {
+        return amdTypeMP3;
+    }
+    bool isM4P = false;
+    if (aacPossibleFile(name, codes.type, codes.creator, &isM4P)) {
+        return isM4P ? amdTypeM4P : amdTypeM4A;
+    }
+    if (aiffPossibleFile(name, codes.type, codes.creator)) {
+        return amdTypeAIFF;
+    }
+    return wavePossibleFile(name, codes.type, codes.creator) ? amdTypeWAVE : amdTypeNone;
+}
+
+std::uint32_t mp3PossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t creator) noexcept {
+    switch (type) {
+    case fourCC("MPG3"):
+    case fourCC("MP3 "):
+    case fourCC("MPEG"):
+        return 1;
+    case fourCC("MPG2"):
+        if (creator == fourCC("SJAM")) {
+            return 1;
+        }
+        break;
+    case fourCC("PLAY"):
+        if (creator == fourCC("mAmp")) {
+            return 1;
+        }
+        break;
+    case fourCC("Mp3 "):
+        if (creator == fourCC("Audn") || creator == fourCC("TVOD")) {
+            return 1;
+        }
+        break;
+    default:
+        break;
+    }
+    return SvxStringEndsWithCString(name, ".MP3", false) ? 1 : 0;
+}
+
+bool aacPossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t creator, bool* isM4P) noexcept {
+    if (type == fourCC("M4A ")) {
+        *isM4P = false;
+        return true;
+    }
+    if (creator == fourCC("M4P ") || creator == fourCC("M4B ")) {
+        *isM4P = true;
+        return true;
+    }
+    if (endsWithAny(name, {".M4A", ".aac"})) {
+        *isM4P = false;
+        return true;
+    }
+    if (endsWithAny(name, {".M4B", ".M4P", ".M4R"})) {
+        *isM4P = true;
+        return true;
+    }
+    return false;
+}
+
+bool aiffPossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t /*creator*/) noexcept {
+    return type == fourCC("AIFF") || type == fourCC("AIFC") || endsWithAny(name, {".AIFF", ".AIF"});
+}
+
+bool wavePossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t /*creator*/) noexcept {
+    return type == fourCC("WAVE") || endsWithAny(name, {".WAVE", ".WAV"});
+}
+
+std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record) noexcept {
+    switch (amdAudioFileType(path)) {
+    case amdTypeMP3:
+        return mp3GetFileInfo(path, record) != 0 ? 0 : -1;
+    default:
+        return -1;
+    }
+}
+
+void amdReleaseAudioMetaData(audioTags* record) noexcept { mp3DisposeTagsData(record); }
+
+void mp3DisposeTagsData(audioTags* record) noexcept {
+    SvxStringRelease(&record->mp3SongTitleString);
+    SvxStringRelease(&record->mp3ArtistString);
+    SvxStringRelease(&record->mp3AlbumString);
+    SvxStringRelease(&record->mp3ComposerString);
+    SvxStringRelease(&record->mp3CommentString);
+    SvxStringRelease(&record->mp3Genre2String);
+    SvxStringRelease(&record->mp3LyricsString);
+    SvxStringRelease(&record->mp3EncoderAppString);
+    record->mp3CoverArt = ByteBlock();
+}
+
+} // namespace sonarin

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "engine/bytes.h"
+
+#include <cstdint>
+#include <memory>
+#include <new>
+
+namespace sonarin {
+
+/// An owned run of bytes that knows its length, such as an embedded picture. Empty means that there is none.
+class ByteBlock {
+public:
+    ByteBlock() = default;
+
+    /// A block of `size` bytes that are not set yet; empty when memory runs out.
+    static ByteBlock allocate(std::size_t size) noexcept {
+        ByteBlock block;
+        block.bytes_.reset(new (std::nothrow) std::uint8_t[size]);
+        block.size_ = block.bytes_ ? size : 0;
+        return block;
+    }
+
+    explicit operator bool() const noexcept { return size_ != 0; }
+    [[nodiscard]] std::uint8_t* data() noexcept { return bytes_.get() + start_; }
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+    [[nodiscard]] ByteView view() const noexcept { return {bytes_.get() + start_, size_}; }
+
+    /// Leaves the first `count` bytes, which must be there, out of the block.
+    void dropFront(std::size_t count) noexcept {
+        start_ += count;
+        size_ -= count;
+    }
+
+private:
+    std::unique_ptr<std::uint8_t[]> bytes_; // NOLINT(*-avoid-c-arrays): a vector would zero it first
+    std::size_t start_ = 0;
+    std::size_t size_ = 0;
+};
+
+} // namespace sonarin

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include "engine/fileEngine.h"
+
+#include "platform/host/fileDescriptor.h"
+#include "text/stringEngine.h"
+#include "text/textDecoding.h"
+#include "text/unicodeForms.h"
+
+#include <cerrno>
+#include <exception>
+#include <limits>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace sonarin {
+
+namespace {
+
+constexpr char16_t escapedByteBase = 0xDC00;
+
+bool isEscapedByte(CodePoint unit) { return unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF; }
+
+std::int32_t hostError() { return -static_cast<std::int32_t>(errno); }
+
+std::u16string decodePath(std::string_view bytes) {
+    std::u16string units(bytes.size(), u'\0');
+    char16_t* out = units.data();
+    for (std::size_t i = 0; i < bytes.size();) {
+        const std::size_t start = i;
+        const CodePoint character = decodeUtf8(bytes, &i);
+        if (character == malformed) {
+            i = start + 1;
+            *out++ = static_cast<char16_t>(escapedByteBase + unitOf(bytes[start]));
+        } else {
+            out = encodeUtf16(character, out);
+        }
+    }
+    units.resize(static_cast<std::size_t>(out - units.data()));
+    return units;
+}
+
+/// The bytes of a path, or none when a lone surrogate in it stands for no byte.
+std::string encodePath(const SvxString& text) {
+    std::string bytes;
+    bool convertible = true;
+    text.visit([&](auto units) {
+        if constexpr (sizeof(units[0]) == 1) {
+            if (asciiRun(units) == units.size()) {
+                bytes = units;
+                return;
+            }
+        }
+        forEachCharacter(units, [&](CodePoint character) {
+            if (isEscapedByte(character)) {
+                bytes += static_cast<char>(character - escapedByteBase);
+                return true;
+            }
+            convertible = !isSurrogate(character);
+            if (convertible) {
+                bytes += encodeUtf8(character).view();
+            }
+            return convertible;
+        });
+    });
+    return convertible ? bytes : std::string();
+}
+
+} // namespace
+
+SvxStringRef feMakePathText(std::string_view bytes) noexcept {
+    try {
+        if (asciiRun(bytes) == bytes.size()) {
+            return std::make_shared<const SvxString>(std::string(bytes));
+        }
+        return SvxStringFromUTF16(decodePath(bytes));
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+SvxStringRef feLastPathComponent(const SvxStringRef& path) noexcept {
+    SvxIndex end = SvxStringGetLength(path);
+    while (end > 1 && SvxStringGetUniChar(path, end - 1) == u'/') {
+        --end;
+    }
+    SvxIndex start = end;
+    while (start > 0 && SvxStringGetUniChar(path, start - 1) != u'/') {
+        --start;
+    }
+    if (end == 1 && start == 1) {
+        start = 0; // the root
+    }
+    return SvxStringCreateWithSubstring(path, start, end - start);
+}
+
+std::int32_t feMakeFSRefFromPath(const SvxStringRef& path, FSRef* ref) noexcept {
+    if (!path) {
+        return -ENOENT;
+    }
+    try {
+        ref->path = encodePath(*path);
+    } catch (const std::exception&) {
+        return fileMemFullErr;
+    }
+    const bool usable = !ref->path.empty() && ref->path.find('\0') == std::string::npos;
+    return usable ? fileNoErr : -ENOENT;
+}
+
+std::int32_t feOpenExistingDataFile(const SvxStringRef& path, std::int32_t writeAccess) noexcept {
+    FSRef ref;
+    if (feMakeFSRefFromPath(path, &ref) != fileNoErr) {
+        return 0;
+    }
+    FileDescriptor file = openWithoutWaiting(ref.path, writeAccess == 1);
+    return file ? file.release() : 0;
+}
+
+std::int32_t feGetEOF(std::int32_t refNum, std::uint64_t* size) noexcept {
+    struct stat status {};
+    if (fstat(refNum, &status) != 0) {
+        return hostError();
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return -EINVAL;
+    }
+    *size = static_cast<std::uint64_t>(status.st_size);
+    return fileNoErr;
+}
+
+std::int32_t feReadFromFile(std::int32_t refNum, std::uint64_t position, std::uint64_t count,
+                            void* buffer) noexcept {
+    constexpr auto farthest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
+    if (position > farthest || count > farthest - position) {
+        return fileEofErr;
+    }
+    auto* out = static_cast<std::uint8_t*>(buffer);
+    while (count > 0) {
+        const ssize_t got = pread(refNum, out, count, static_cast<off_t>(position));
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            return hostError();
+        }
+        if (got == 0) {
+            std::uint64_t size = 0;
+            const bool hasMore = feGetEOF(refNum, &size) == fileNoErr && position < size;
+            return hasMore ? fileShortReadErr : fileEofErr;
+        }
+        out += got;
+        position += static_cast<std::uint64_t>(got);
+        count -= static_cast<std::uint64_t>(got);
+    }
+    return fileNoErr;
+}
+
+std::int32_t feCloseFile(std::int32_t refNum) noexcept { return close(refNum) == 0 ? fileNoErr : hostError(); }
+
+} // namespace sonarin

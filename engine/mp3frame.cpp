@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "engine/mp3frame.h"
+
+#include "text/byteLanes.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace sonarin {
+
+namespace {
+
+constexpr std::uint8_t mpeg1 = 3;
+constexpr std::uint8_t mpeg2 = 2;
+constexpr std::uint8_t layer2 = 2;
+constexpr std::uint8_t singleChannel = 3;
+
+// Sampling rates in Hz, by sampling-rate index.
+using SamplingRates = std::array<std::uint16_t, 4>;
+constexpr SamplingRates mp3v10SamplingRateArray = {44100, 48000, 32000, 0};
+constexpr SamplingRates mp3v20SamplingRateArray = {22050, 24000, 16000, 0};
+constexpr SamplingRates mp3v25SamplingRateArray = {11025, 12000, 8000, 0};
+
+// Bit rates in kbit/s, by bit-rate index; 0 is free format, 15 forbidden.
+using BitRates = std::array<std::uint16_t, 16>;
+/// ISO/IEC 11172-3, Layer II.
+constexpr BitRates mp3v1L2BitRateArray = {0,   32,  48,  56,  64,  80,  96,  112,
+                                          128, 160, 192, 224, 256, 320, 384, 0};
+/// ISO/IEC 11172-3, Layer III.
+constexpr BitRates mp3v1L3BitRateArray = {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 0};
+/// ISO/IEC 13818-3, the lower sampling frequencies, Layers II and III.
+constexpr BitRates mp3v2L23BitRateArray = {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, 0};
+
+constexpr std::uint32_t field(std::uint32_t word, unsigned lowestBit, unsigned width) {
+    return (word >> lowestBit) & ((1U << width) - 1U);
+}
+
+constexpr bool isAcceptable(std::uint32_t word) {
+    const std::uint32_t version = field(word, 19, 2);
+    const std::uint32_t layer = field(word, 17, 2);
+    const std::uint32_t bitRateIndex = field(word, 12, 4);
+    const std::uint32_t samplingRateIndex = field(word, 10, 2);
+    return field(word, 21, 11) == 0x7FF && version != 1 && (layer == 1 || layer == 2) && bitRateIndex != 0 &&
+           bitRateIndex != 15 && samplingRateIndex != 3;
+}
+
+/// Whether one of the next `searchBlock` positions can begin a header, by its first two bytes: 0xFF, then a byte
+/// of the range in which all second bytes of acceptable headers lie (0xE2 to 0xFD).
+constexpr std::size_t searchBlock = 4 * sizeof(ByteLanes);
+
+bool mayHoldHeader(const std::uint8_t* bytes) {
+    ByteLanes any{};
+    for (std::size_t i = 0; i < searchBlock; i += sizeof(ByteLanes)) {
+        const ByteLanes first = loadLanes(bytes + i);
+        const ByteLanes second = loadLanes(bytes + i + 1);
+        any |= (first == 0xFF) & (second >= 0xE2) & (second <= 0xFD);
+    }
+    return anyLane(any);
+}
+
+} // namespace
+
+std::size_t findMpegFrameHeader(ByteView bytes) noexcept {
+    const std::size_t positions = bytes.size() - (mpegFrameHeaderSize - 1);
+    std::size_t position = 0;
+    while (position < positions) {
+        const std::size_t end = std::min(position + searchBlock, positions);
+        if (end - position == searchBlock && !mayHoldHeader(bytes.data() + position)) {
+            position = end;
+            continue;
+        }
+        for (; position < end; ++position) {
+            if (bytes[position] == 0xFF && isAcceptable(bigEndian32(bytes, position))) {
+                return position;
+            }
+        }
+    }
+    return positions;
+}
+
+MpegFrameHeader decodeMpegFrameHeader(ByteView bytes) noexcept {
+    const std::uint32_t word = bigEndian32(bytes);
+    MpegFrameHeader header{};
+    header.version = static_cast<std::uint8_t>(field(word, 19, 2));
+    header.layer = static_cast<std::uint8_t>(field(word, 17, 2));
+    header.protection = static_cast<std::uint8_t>(field(word, 16, 1));
+    header.channelMode = static_cast<std::uint8_t>(field(word, 6, 2));
+
+    const SamplingRates& samplingRates = header.version == mpeg1   ? mp3v10SamplingRateArray
+                                         : header.version == mpeg2 ? mp3v20SamplingRateArray
+                                                                   : mp3v25SamplingRateArray;
+    const BitRates& bitRates = header.version != mpeg1  ? mp3v2L23BitRateArray
+                               : header.layer == layer2 ? mp3v1L2BitRateArray
+                                                        : mp3v1L3BitRateArray;
+    header.samplingRate = samplingRates.at(field(word, 10, 2));
+    header.bitRate = bitRates.at(field(word, 12, 4));
+    return header;
+}
+
+std::uint32_t xingDistance(const MpegFrameHeader& header) noexcept {
+    const bool mono = header.channelMode == singleChannel;
+    if (header.version == mpeg1) {
+        return mono ? 21 : 36;
+    }
+    return mono ? 13 : 21;
+}
+
+} // namespace sonarin

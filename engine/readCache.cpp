@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "engine/readCache.h"
+
+#include "engine/fileEngine.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
+
+namespace sonarin {
+
+namespace {
+
+/// By subtraction, so that nothing wraps near 2^64.
+bool holds(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count) {
+    return position >= cache.bufferPos && position - cache.bufferPos <= cache.validLength &&
+           count <= cache.validLength - (position - cache.bufferPos);
+}
+
+/// Makes the buffer hold the range, refilling it when it does not.
+std::int32_t provide(rcCacheRec* cache, std::uint64_t position, std::uint64_t count) {
+    if (!cache->buffer) {
+        return fileMemFullErr;
+    }
+    if (holds(*cache, position, count)) {
+        return fileNoErr;
+    }
+    const std::int32_t result = rcReadIntoCache(cache, position);
+    if (result != fileNoErr) {
+        return result;
+    }
+    return holds(*cache, position, count) ? fileNoErr : fileEofErr;
+}
+
+template <class Integer>
+std::int32_t readInteger(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder, Integer* value) {
+    std::array<std::uint8_t, sizeof(Integer)> bytes{};
+    const std::int32_t result = rcReadFromCache(cache, position, bytes.size(), bytes.data());
+    if (result != fileNoErr) {
+        return result;
+    }
+    if (byteOrder == rcByteOrderLittle) {
+        std::reverse(bytes.begin(), bytes.end());
+    } else if (byteOrder != rcByteOrderBig) {
+        return fileNoErr;
+    }
+    std::uint64_t number = 0;
+    for (const std::uint8_t byte : bytes) {
+        number = (number << 8U) | byte;
+    }
+    *value = static_cast<Integer>(number);
+    return fileNoErr;
+}
+
+} // namespace
+
+std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t size) noexcept {
+    cache->refNum = refNum;
+    const std::int32_t result = feGetEOF(refNum, &cache->eof);
+    if (result != fileNoErr) {
+        return result;
+    }
+    cache->bufferSize = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->eof, size));
+    cache->buffer.reset(new (std::nothrow) std::uint8_t[cache->bufferSize]); // not zeroed: it is filled at once
+    if (!cache->buffer) {
+        return fileMemFullErr;
+    }
+    return rcReadIntoCache(cache, 0);
+}
+
+std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
+                             void* destination) noexcept {
+    if (!cache->buffer) {
+        return fileMemFullErr;
+    }
+    if (count > cache->bufferSize) {
+        return feReadFromFile(cache->refNum, position, count, destination);
+    }
+    const std::int32_t result = provide(cache, position, count);
+    if (result == fileNoErr && count > 0) {
+        std::memcpy(destination, cache->buffer.get() + (position - cache->bufferPos), count);
+    }
+    return result;
+}
+
+std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept {
+    if (!cache->buffer) {
+        return fileMemFullErr;
+    }
+    const std::uint64_t left = position < cache->eof ? cache->eof - position : 0;
+    cache->bufferPos = position;
+    cache->validLength = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->bufferSize, left));
+    const std::int32_t result = feReadFromFile(cache->refNum, position, cache->validLength, cache->buffer.get());
+    if (result != fileNoErr) {
+        cache->validLength = 0;
+    }
+    return result;
+}
+
+ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) noexcept {
+    if (count > cache->bufferSize || provide(cache, position, count) != fileNoErr) {
+        return {};
+    }
+    const std::uint64_t start = position - cache->bufferPos;
+    return {cache->buffer.get() + start, static_cast<std::size_t>(cache->validLength - start)};
+}
+
+bool rcRangeIsInFile(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count) noexcept {
+    return position <= cache.eof && count <= cache.eof - position;
+}
+
+std::int32_t rcReadUInt16FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
+                                   std::uint16_t* value) noexcept {
+    return readInteger(cache, position, byteOrder, value);
+}
+
+std::int32_t rcReadUInt32FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
+                                   std::uint32_t* value) noexcept {
+    return readInteger(cache, position, byteOrder, value);
+}
+
+std::int32_t rcReadUInt64FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
+                                   std::uint64_t* value) noexcept {
+    return readInteger(cache, position, byteOrder, value);
+}
+
+std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept {
+    const std::int32_t refNum = cache->refNum;
+    cache->buffer.reset();
+    cache->bufferSize = 0;
+    cache->bufferPos = 0;
+    cache->validLength = 0;
+    cache->eof = 0;
+    cache->refNum = 0;
+    return refNum == 0 ? fileNoErr : feCloseFile(refNum);
+}
+
+} // namespace sonarin

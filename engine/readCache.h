@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "engine/bytes.h"
+
+#include <cstdint>
+#include <memory>
+
+/// One buffer over one open file: the many small reads of a parser become one or two reads of the file.
+///
+/// Operations answer 0, fileMemFullErr, fileEofErr, fileShortReadErr or a negated host error number (see
+/// fileEngine.h). Positions are bytes from the file's start, 64 bits wide.
+namespace sonarin {
+
+inline constexpr std::uint32_t rcStandardBufferSize = 65536;
+
+/// Owned by the reader that opened it, for the reading of one file. While valid, the buffer holds the file's
+/// bytes from bufferPos to bufferPos + validLength.
+struct rcCacheRec {
+    std::int32_t refNum = 0;                ///< the open file; 0 for none
+    std::uint32_t bufferSize = 0;           ///< capacity of the buffer in bytes
+    std::unique_ptr<std::uint8_t[]> buffer; // NOLINT(*-avoid-c-arrays): the size is known at run time only
+    std::uint64_t bufferPos = 0;            ///< position of the buffer's first byte
+    std::uint32_t validLength = 0;          ///< bytes of the buffer that hold file data
+    std::uint64_t eof = 0;                  ///< the file's size when the cache was opened
+};
+
+enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any number
+    rcByteOrderBig = 7,
+    rcByteOrderLittle = 13
+};
+
+/// Sets the cache up over the open file `refNum`, which belongs to the cache from then on, also when this
+/// fails. The buffer has `size` bytes, or the file's size when that is less, and is filled from position 0.
+[[nodiscard]] std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t size) noexcept;
+
+/// Copies `count` bytes at `position` to `destination`. More than the buffer holds goes straight from the file
+/// to the destination; anything else is served from the buffer, which on a miss is refilled from `position`.
+[[nodiscard]] std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
+                                           void* destination) noexcept;
+
+/// Refills the buffer from `position`.
+[[nodiscard]] std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept;
+
+/// The bytes at `position` as they lie in the buffer: at least `count` of them (refilled as above on a miss),
+/// and all that the buffer holds behind them. Empty when they cannot be had or `count` exceeds the buffer. The
+/// view lives until the next operation on the cache.
+[[nodiscard]] ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) noexcept;
+
+/// Whether the file held `count` bytes at `position` when the cache was opened.
+[[nodiscard]] bool rcRangeIsInFile(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count) noexcept;
+
+/// Reads an unsigned integer of the given byte order into `*value`, which keeps its value on an error and for
+/// any byte order but the two.
+[[nodiscard]] std::int32_t rcReadUInt16FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
+                                                 std::uint16_t* value) noexcept;
+[[nodiscard]] std::int32_t rcReadUInt32FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
+                                                 std::uint32_t* value) noexcept;
+[[nodiscard]] std::int32_t rcReadUInt64FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
+                                                 std::uint64_t* value) noexcept;
+
+/// Frees the buffer, clears the cache and closes the file; answers the result of closing.
+std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept;
+
+/// Closes a reader's cache and file on every way out.
+class CacheCloser {
+public:
+    explicit CacheCloser(rcCacheRec& cache) noexcept : cache_(cache) {}
+    CacheCloser(const CacheCloser&) = delete;
+    CacheCloser& operator=(const CacheCloser&) = delete;
+    ~CacheCloser() { rcCloseCacheAndFile(&cache_); }
+
+private:
+    rcCacheRec& cache_;
+};
+
+} // namespace sonarin

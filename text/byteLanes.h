@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+/// Sixteen bytes at a time: what lets long runs of bytes be scanned about as fast as they are read. The vector
+/// type is the one that g++ and clang share; they make it fit any processor.
+namespace sonarin {
+
+using ByteLanes = std::uint8_t __attribute__((vector_size(16)));
+
+/// The 16 bytes at `bytes`, aligned or not.
+inline ByteLanes loadLanes(const void* bytes) {
+    ByteLanes lanes;
+    std::memcpy(&lanes, bytes, sizeof lanes);
+    return lanes;
+}
+
+/// Whether any lane is not zero.
+inline bool anyLane(ByteLanes lanes) {
+    std::uint64_t halves[2]; // NOLINT(*-avoid-c-arrays)
+    std::memcpy(halves, &lanes, sizeof halves);
+    return (halves[0] | halves[1]) != 0;
+}
+
+} // namespace sonarin

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "text/displayFormat.h"
+
+#include "text/CMMCoreFunctions.h"
+#include "text/stringEngine.h"
+#include "text/userLocale.h"
+
+#include <unicode/decimfmt.h>
+#include <unicode/unistr.h>
+
+#include <array>
+#include <exception>
+#include <limits>
+#include <memory>
+
+namespace sonarin {
+
+namespace {
+
+/// Created once and used for the program's lifetime.
+std::unique_ptr<icu::NumberFormat> gOneFractionDigitFormatter;
+
+struct SizeUnit {
+    std::uint64_t lastKibibytes; ///< the largest count of whole kibibytes that is shown in this unit
+    double factor;               ///< the reciprocal of the unit's bytes, a power of two and so exact
+    std::int16_t textIndex;      ///< in string table 1001
+};
+
+constexpr std::int16_t sizeUnitTable = 1001;
+constexpr std::array<SizeUnit, 4> sizeUnits = {{
+    {std::uint64_t{1} << 10U, 0x1p-10, 46},
+    {std::uint64_t{1} << 20U, 0x1p-20, 3},
+    {std::uint64_t{1} << 30U, 0x1p-30, 31},
+    {std::numeric_limits<std::uint64_t>::max(), 0x1p-40, 123},
+}};
+
+} // namespace
+
+void svxStringInitString() noexcept {
+    try {
+        UErrorCode status = U_ZERO_ERROR;
+        gOneFractionDigitFormatter.reset(
+            icu::NumberFormat::createInstance(icu::Locale(userNumberLocale().c_str()), UNUM_DECIMAL, status));
+        if (U_FAILURE(status) != 0) {
+            gOneFractionDigitFormatter.reset();
+            return;
+        }
+        gOneFractionDigitFormatter->setMinimumFractionDigits(1);
+        gOneFractionDigitFormatter->setMaximumFractionDigits(1);
+        gOneFractionDigitFormatter->setRoundingMode(icu::NumberFormat::kRoundHalfEven);
+    } catch (const std::exception&) {
+        gOneFractionDigitFormatter.reset();
+    }
+}
+
+SvxStringRef SvxMakeFloatingFractionString(double value) noexcept {
+    if (!gOneFractionDigitFormatter) {
+        return nullptr;
+    }
+    icu::UnicodeString text;
+    gOneFractionDigitFormatter->format(value, text);
+    return SvxStringFromUTF16({text.getBuffer(), static_cast<std::size_t>(text.length())});
+}
+
+SvxStringRef SvxStringMakeSizeString(std::uint64_t bytes) noexcept {
+    const auto* unit = sizeUnits.begin();
+    while (bytes / 1024 > unit->lastKibibytes) {
+        ++unit;
+    }
+    return SvxStringCreateWithFormat("%@%@",
+                                     {SvxMakeFloatingFractionString(static_cast<double>(bytes) * unit->factor),
+                                      iuGetIndCFString(sizeUnitTable, unit->textIndex)});
+}
+
+SvxStringRef SvxStringMakeDurationString(std::uint32_t seconds) noexcept {
+    const SvxStringRef paddedSeconds = SvxStringMakePaddedNumberString(seconds % 60);
+    if (seconds <= 3600) {
+        return SvxStringCreateWithFormat("%i:%@", {seconds / 60, paddedSeconds});
+    }
+    const SvxStringRef paddedMinutes = SvxStringMakePaddedNumberString(seconds % 3600 / 60);
+    return SvxStringCreateWithFormat("%i:%@:%@", {seconds / 3600, paddedMinutes, paddedSeconds});
+}
+
+SvxStringRef SvxStringMakePaddedNumberString(std::uint32_t value) noexcept {
+    return SvxStringCreateWithFormat(value <= 9 ? "0%li" : "%li", {value});
+}
+
+} // namespace sonarin

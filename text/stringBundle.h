@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "text/SvxString.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+namespace sonarin {
+
+/// A folder of resources named by its bundle identifier, with one folder of strings tables a language
+/// ("de.lproj/Localizable.strings").
+class StringBundle {
+public:
+    /// The bundle with that identifier: the folder "share/<identifier>" beside the program's executable or
+    /// one folder up (the build tree, and an installation's bin and share). Null when there is none.
+    static std::unique_ptr<StringBundle> find(const std::string& identifier) noexcept;
+
+    /// A bundle in that folder, for a user of that language ("de"); texts come from English when the bundle
+    /// does not know the language.
+    StringBundle(std::string folder, const std::string& language);
+
+    /// The text under `key` in the table, or `key` itself when the table lacks it. A table is read once.
+    [[nodiscard]] SvxStringRef localizedString(const SvxStringRef& key, const std::string& table) const noexcept;
+
+    /// Where the bundle's other resources lie.
+    [[nodiscard]] const std::string& folder() const noexcept { return folder_; }
+
+private:
+    using Table = std::unordered_map<std::string, SvxStringRef>;
+    [[nodiscard]] const Table& tableNamed(const std::string& name) const;
+
+    std::string folder_;
+    std::string languageFolder_;
+    mutable std::map<std::string, Table> tables_;
+};
+
+} // namespace sonarin
