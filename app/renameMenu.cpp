@@ -5,18 +5,41 @@
 
 namespace sonarin {
 
-SvxStringRef suffixForType(std::int32_t type) noexcept {
+namespace {
+
+/// `start` and the name: a menu entry and the name that it offers are made the same way.
+SvxStringRef formatName(std::string_view start, RenamePattern pattern, const audioTags& record, std::int32_t type) {
+    const std::string_view suffix = suffixForType(type);
+    const SvxStringRef& title = record.mp3SongTitleString;
+    switch (pattern) {
+    case RenamePattern::songTitle:
+        return SvxStringCreateWithFormat("%@%@.%@", {start, title, suffix});
+    case RenamePattern::trackNumSongTitle:
+        return SvxStringCreateWithFormat(record.mp3TheTrack < 10 ? "%@0%li - %@.%@" : "%@%li - %@.%@",
+                                         {start, record.mp3TheTrack, title, suffix});
+    case RenamePattern::artistSong:
+        return SvxStringCreateWithFormat("%@%@ - %@.%@", {start, record.mp3ArtistString, title, suffix});
+    case RenamePattern::artistAlbumSong:
+        return SvxStringCreateWithFormat("%@%@ - %@ - %@.%@", {start, record.mp3ArtistString,
+                                                               record.mp3AlbumString, title, suffix});
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::string_view suffixForType(std::int32_t type) noexcept {
     switch (type) {
     case amdTypeMP3:
-        return SvxStringFromCString("mp3");
+        return "mp3";
     case amdTypeM4A:
-        return SvxStringFromCString("m4a");
+        return "m4a";
     case amdTypeM4P:
-        return SvxStringFromCString("m4p");
+        return "m4p";
     case amdTypeAIFF:
-        return SvxStringFromCString("aiff");
+        return "aiff";
     default:
-        return SvxStringFromCString("");
+        return "";
     }
 }
 
@@ -39,25 +62,11 @@ std::vector<RenamePattern> renamePatterns(const audioTags& record) {
 }
 
 SvxStringRef renameFileName(RenamePattern pattern, const audioTags& record, std::int32_t type) noexcept {
-    const SvxStringRef suffix = suffixForType(type);
-    const SvxStringRef& title = record.mp3SongTitleString;
-    switch (pattern) {
-    case RenamePattern::songTitle:
-        return SvxStringCreateWithFormat("%@.%@", {title, suffix});
-    case RenamePattern::trackNumSongTitle:
-        return SvxStringCreateWithFormat(record.mp3TheTrack < 10 ? "0%li - %@.%@" : "%li - %@.%@",
-                                         {record.mp3TheTrack, title, suffix});
-    case RenamePattern::artistSong:
-        return SvxStringCreateWithFormat("%@ - %@.%@", {record.mp3ArtistString, title, suffix});
-    case RenamePattern::artistAlbumSong:
-        return SvxStringCreateWithFormat("%@ - %@ - %@.%@",
-                                         {record.mp3ArtistString, record.mp3AlbumString, title, suffix});
-    }
-    return nullptr;
+    return formatName("", pattern, record, type);
 }
 
 SvxStringRef renameEntryTitle(RenamePattern pattern, const audioTags& record, std::int32_t type) noexcept {
-    return SvxStringCreateWithFormat("Rename to:   %@", {renameFileName(pattern, record, type)});
+    return formatName("Rename to:   ", pattern, record, type);
 }
 
 } // namespace sonarin

@@ -5,6 +5,7 @@
 #include "text/SvxString.h"
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 /// The names that the Rename menu offers.
@@ -14,7 +15,7 @@ namespace sonarin {
 enum class RenamePattern { songTitle, trackNumSongTitle, artistSong, artistAlbumSong };
 
 /// The extension of an audio type without the full stop; the empty text for WAVE and for no audio file.
-[[nodiscard]] SvxStringRef suffixForType(std::int32_t type) noexcept;
+[[nodiscard]] std::string_view suffixForType(std::int32_t type) noexcept;
 
 /// The patterns whose values the record holds; an empty text counts as a value.
 [[nodiscard]] std::vector<RenamePattern> renamePatterns(const audioTags& record);

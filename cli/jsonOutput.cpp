@@ -13,15 +13,22 @@
 #include <array>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 namespace sonarin {
 
 namespace {
 
-/// Whether a unit needs no escape.
-constexpr bool standsForItself(unsigned unit) {
-    return unit >= ' ' && unit <= '~' && unit != '"' && unit != '\\';
-}
+/// The units below 0x100 that need no escape and are the same in UTF-8.
+constexpr std::array<bool, 0x100> plainUnits = [] {
+    std::array<bool, 0x100> plain{};
+    for (std::size_t unit = ' '; unit <= '~'; ++unit) {
+        plain.at(unit) = unit != '"' && unit != '\\';
+    }
+    return plain;
+}();
+
+constexpr bool standsForItself(char16_t unit) { return unit < plainUnits.size() && plainUnits[unit]; }
 
 /// The length of the run that needs no escape.
 std::size_t plainRun(std::string_view bytes) {
@@ -38,18 +45,19 @@ std::size_t plainRun(std::string_view bytes) {
     return run;
 }
 
-/// A member's name as it stands in the line, made when the program is compiled.
+/// A member's name as it stands in the line behind another member, made when the program is compiled.
 template <std::size_t Size>
 struct MemberName {
-    std::array<char, Size + 3> characters{};
+    std::array<char, Size + 5> characters{};
 
     consteval MemberName(const char (&name)[Size]) { // NOLINT(*-avoid-c-arrays,*-explicit-*): reads as a text
-        characters[0] = '"';
-        std::copy_n(name, Size - 1, characters.begin() + 1);
-        std::copy_n("\": ", 3, characters.begin() + Size);
+        std::copy_n(", \"", 3, characters.begin());
+        std::copy_n(name, Size - 1, characters.begin() + 3);
+        std::copy_n("\": ", 3, characters.begin() + 2 + Size);
     }
 
     [[nodiscard]] constexpr std::string_view view() const { return {characters.data(), characters.size()}; }
+    [[nodiscard]] constexpr std::string_view viewOfFirst() const { return view().substr(2); }
 };
 
 class JsonWriter {
@@ -104,7 +112,9 @@ public:
     }
 
     void element(const SvxStringRef& value) {
-        separate();
+        if (!std::exchange(first_, false)) {
+            out_.append(", ");
+        }
         value ? string(*value) : out_.append("null");
     }
 
@@ -119,17 +129,10 @@ private:
         first_ = false;
     }
 
-    void separate() {
-        if (!first_) {
-            out_.append(", ");
-        }
-        first_ = false;
-    }
-
     template <MemberName name>
     void member() {
-        separate();
-        out_.append(name.view());
+        out_.append(first_ ? name.viewOfFirst() : name.view());
+        first_ = false;
     }
 
     void string(const SvxString& value) {
@@ -151,14 +154,19 @@ private:
     }
 
     void content(std::u16string_view wide) {
-        forEachCharacter(wide, [this](CodePoint character) {
-            if (standsForItself(static_cast<unsigned>(character))) {
-                out_.append(static_cast<char>(character));
-            } else {
-                special(character);
+        std::array<char, 64> plain{};
+        while (!wide.empty()) {
+            const std::size_t most = std::min(wide.size(), plain.size());
+            std::size_t run = 0;
+            for (; run < most && standsForItself(wide[run]); ++run) {
+                plain[run] = static_cast<char>(wide[run]);
             }
-            return true;
-        });
+            out_.append({plain.data(), run});
+            if (run < most) {
+                special(decodeUtf16(wide, &run));
+            }
+            wide.remove_prefix(run);
+        }
     }
 
     /// A character that does not stand for itself as one byte.

@@ -70,10 +70,8 @@ std::string encodePath(const SvxString& text) {
 
 SvxStringRef feMakePathText(std::string_view bytes) noexcept {
     try {
-        if (asciiRun(bytes) == bytes.size()) {
-            return std::make_shared<const SvxString>(std::string(bytes));
-        }
-        return SvxStringFromUTF16(decodePath(bytes));
+        const bool isAscii = asciiRun(bytes) == bytes.size();
+        return isAscii ? SvxStringFromUTF8(bytes) : SvxStringFromUTF16(decodePath(bytes));
     } catch (const std::exception&) {
         return nullptr;
     }

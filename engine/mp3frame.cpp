@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "engine/mp3frame.h"
 
-#include "text/byteLanes.h"
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -45,18 +43,39 @@ constexpr bool isAcceptable(std::uint32_t word) {
            bitRateIndex != 15 && samplingRateIndex != 3;
 }
 
-/// Whether one of the next `searchBlock` positions can begin a header, by its first two bytes: 0xFF, then a byte
-/// of the range in which all second bytes of acceptable headers lie (0xE2 to 0xFD).
-constexpr std::size_t searchBlock = 4 * sizeof(ByteLanes);
+// A file without a header must not take much longer to search than to read from the system's cache; looking at one
+// position after the other takes 20 times as long. Where g++ can, the search is compiled for AVX2 as well, and the
+// program picks the faster one when it starts.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__)
+#define SONARIN_ALSO_FOR_AVX2 [[gnu::target_clones("avx2", "default")]]
+#else
+#define SONARIN_ALSO_FOR_AVX2
+#endif
 
-bool mayHoldHeader(const std::uint8_t* bytes) {
-    ByteLanes any{};
-    for (std::size_t i = 0; i < searchBlock; i += sizeof(ByteLanes)) {
-        const ByteLanes first = loadLanes(bytes + i);
-        const ByteLanes second = loadLanes(bytes + i + 1);
-        any |= (first == 0xFF) & (second >= 0xE2) & (second <= 0xFD);
+using WideLanes = std::uint8_t __attribute__((vector_size(32)));
+constexpr std::size_t searchBlock = 2 * sizeof(WideLanes);
+
+/// How many of the positions, in whole blocks from the first one on, cannot begin a header going by their first
+/// two bytes: 0xFF and then one from 0xE2 to 0xFD, where the second bytes of all acceptable headers lie. One byte
+/// behind the last position is read.
+SONARIN_ALSO_FOR_AVX2 std::size_t headerlessRun(const std::uint8_t* bytes, std::size_t positions) {
+    std::size_t run = 0;
+    for (; positions - run >= searchBlock; run += searchBlock) {
+        WideLanes any{};
+        for (std::size_t i = 0; i < searchBlock; i += sizeof(WideLanes)) {
+            WideLanes first;
+            WideLanes second;
+            std::memcpy(&first, bytes + run + i, sizeof first);
+            std::memcpy(&second, bytes + run + i + 1, sizeof second);
+            any |= (first == 0xFF) & (second - 0xE2 <= 0xFD - 0xE2);
+        }
+        std::array<std::uint64_t, sizeof(WideLanes) / sizeof(std::uint64_t)> parts{};
+        std::memcpy(parts.data(), &any, sizeof any);
+        if ((parts[0] | parts[1] | parts[2] | parts[3]) != 0) {
+            break;
+        }
     }
-    return anyLane(any);
+    return run;
 }
 
 } // namespace
@@ -65,11 +84,8 @@ std::size_t findMpegFrameHeader(ByteView bytes) noexcept {
     const std::size_t positions = bytes.size() - (mpegFrameHeaderSize - 1);
     std::size_t position = 0;
     while (position < positions) {
+        position += headerlessRun(bytes.data() + position, positions - position);
         const std::size_t end = std::min(position + searchBlock, positions);
-        if (end - position == searchBlock && !mayHoldHeader(bytes.data() + position)) {
-            position = end;
-            continue;
-        }
         for (; position < end; ++position) {
             if (bytes[position] == 0xFF && isAcceptable(bigEndian32(bytes, position))) {
                 return position;

@@ -4,7 +4,9 @@
 #include "text/stringEngine.h"
 
 #include <algorithm>
+#include <charconv>
 #include <memory>
+#include <string_view>
 
 namespace sonarin {
 
@@ -17,8 +19,15 @@ const StringBundle* initStringBundle(const char* bundleIdentifier) noexcept {
 }
 
 SvxStringRef iuGetIndCFString(std::int16_t table, std::int16_t index) noexcept {
-    const SvxStringRef key = SvxStringCreateWithFormat("STR#%i:%i", {table, index});
-    return gCFBundleRef != nullptr && key ? gCFBundleRef->localizedString(key, "Localizable") : key;
+    const std::string_view start = "STR#";
+    std::array<char, 32> key{}; // two 16-bit numbers leave room to spare
+    char* at = std::copy(start.begin(), start.end(), key.data());
+    at = std::to_chars(at, at + 8, table).ptr;
+    *at++ = ':';
+    at = std::to_chars(at, at + 8, index).ptr;
+    const std::string_view name(key.data(), static_cast<std::size_t>(at - key.data()));
+    return gCFBundleRef != nullptr ? gCFBundleRef->localizedString(name, "Localizable")
+                                   : SvxStringFromCString(name);
 }
 
 SvxStringRef SvxStringGetFromTable(std::int16_t table, std::int16_t index) noexcept {
@@ -33,6 +42,6 @@ void utMakeHFSStringFromCFString(const SvxStringRef& text, HFSUniStr255* name) n
     }
 }
 
-void uCFRelease(SvxStringRef* text) noexcept { text->reset(); }
+void uCFRelease(SvxStringRef* text) noexcept { *text = nullptr; }
 
 } // namespace sonarin

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 
 namespace sonarin {
 
@@ -18,42 +17,110 @@ using SvxIndex = std::int64_t;
 constexpr char16_t unitOf(char stored) noexcept { return static_cast<unsigned char>(stored); }
 constexpr char16_t unitOf(char16_t stored) noexcept { return stored; }
 
+class SvxStringRef;
+
 /// An immutable run of UTF-16 code units, in native byte order; any units are allowed, lone surrogates too.
 ///
 /// A text whose units all lie below 0x100 keeps one byte for each ("narrow"), any other two ("wide"): most
-/// tag texts are narrow, and a lyrics frame of 200 MB then costs 200 MB.
+/// tag texts are narrow, and a lyrics frame of 200 MB then costs 200 MB. The units follow the object in the
+/// same block of memory, since dozens of texts are made for every file.
 class SvxString {
 public:
-    explicit SvxString(std::string narrow) noexcept : units_(std::move(narrow)) {}
-    explicit SvxString(std::u16string wide) noexcept : units_(std::move(wide)) {}
+    SvxString(const SvxString&) = delete;
+    SvxString& operator=(const SvxString&) = delete;
+
+    /// A new text of `count` units whose storage the caller sets through `*storage` before anybody reads it.
+    /// Unit is char (narrow) or char16_t (wide). Absent when memory runs out.
+    template <class Unit>
+    static SvxStringRef make(std::size_t count, Unit** storage) noexcept;
 
     /// Calls `visitor` with the stored elements, a `std::string_view` (narrow) or a `std::u16string_view`.
     template <class Visitor>
     decltype(auto) visit(Visitor&& visitor) const {
-        if (const auto* narrow = std::get_if<std::string>(&units_)) {
-            return visitor(std::string_view(*narrow));
-        }
-        return visitor(std::u16string_view(*std::get_if<std::u16string>(&units_)));
+        return wide_ ? visitor(std::u16string_view(static_cast<const char16_t*>(units()), count_))
+                     : visitor(std::string_view(static_cast<const char*>(units()), count_));
     }
 
-    [[nodiscard]] SvxIndex length() const {
-        return visit([](auto units) { return static_cast<SvxIndex>(units.size()); });
-    }
+    [[nodiscard]] SvxIndex length() const noexcept { return static_cast<SvxIndex>(count_); }
 
     /// `index` must lie within the text.
     [[nodiscard]] char16_t unitAt(SvxIndex index) const {
-        return visit([index](auto units) { return unitOf(units[static_cast<std::size_t>(index)]); });
+        return visit([index](auto stored) { return unitOf(stored[static_cast<std::size_t>(index)]); });
     }
 
-    /// Adds one blank and `addition`. Only for a text that nobody else can see (see SvxStringAppendAfterBlank).
-    void extendAfterBlank(const SvxString& addition);
-
 private:
-    std::variant<std::string, std::u16string> units_;
+    friend class SvxStringRef;
+
+    SvxString() = default;
+    static SvxString* allocate(std::size_t count, bool wide) noexcept;
+    [[nodiscard]] const void* units() const noexcept { return this + 1; }
+    [[nodiscard]] void* units() noexcept { return this + 1; }
+
+    std::size_t count_ = 0;
+    std::size_t capacity_ = 0; ///< in units
+    std::uint32_t references_ = 1;
+    bool wide_ = false;
 };
 
-/// A reference to a text, or the absent value (null), which is not the same as a text of length 0.
-/// Copying retains, destroying releases.
-using SvxStringRef = std::shared_ptr<const SvxString>;
+/// A reference to a text, or the absent value, which is not the same as a text of length 0. Copying retains,
+/// destroying releases; references are counted without locks, for one thread.
+class SvxStringRef {
+public:
+    constexpr SvxStringRef() noexcept = default;
+    constexpr SvxStringRef(std::nullptr_t) noexcept {} // NOLINT(*-explicit-*): the absent value
+    SvxStringRef(const SvxStringRef& other) noexcept : text_(other.text_) { retain(); }
+    SvxStringRef(SvxStringRef&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
+    SvxStringRef& operator=(SvxStringRef other) noexcept {
+        std::swap(text_, other.text_);
+        return *this;
+    }
+    ~SvxStringRef() { release(); }
+
+    explicit operator bool() const noexcept { return text_ != nullptr; }
+    const SvxString& operator*() const noexcept { return *text_; }
+    const SvxString* operator->() const noexcept { return text_; }
+
+    /// Adds one blank and `addition`. The storage of a text that nobody else holds grows in place, by doubling;
+    /// otherwise a new text is made. False when memory runs out, which changes nothing.
+    bool appendAfterBlank(const SvxString& addition) noexcept;
+
+private:
+    friend class SvxString;
+
+    explicit SvxStringRef(SvxString* owned) noexcept : text_(owned) {}
+    void retain() const noexcept {
+        if (text_ != nullptr) {
+            ++text_->references_;
+        }
+    }
+    void release() noexcept {
+        if (text_ != nullptr && --text_->references_ == 0) {
+            destroy(text_);
+        }
+    }
+    static void destroy(SvxString* text) noexcept;
+    bool makeRoom(std::size_t count, bool wide) noexcept;
+
+    SvxString* text_ = nullptr;
+};
+
+template <class Unit>
+SvxStringRef SvxString::make(std::size_t count, Unit** storage) noexcept {
+    SvxString* text = allocate(count, sizeof(Unit) == 2);
+    *storage = text != nullptr ? static_cast<Unit*>(text->units()) : nullptr;
+    return SvxStringRef(text);
+}
+
+/// Copies stored elements to units of the same or the greater width, answering the place behind them.
+template <class Unit, class Units>
+Unit* copyUnits(Units from, Unit* to) noexcept {
+    if constexpr (sizeof(Unit) == sizeof(from[0])) {
+        return std::copy(from.begin(), from.end(), to);
+    }
+    for (const auto stored : from) {
+        *to++ = static_cast<Unit>(unitOf(stored));
+    }
+    return to;
+}
 
 } // namespace sonarin

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <exception>
+#include <functional>
 #include <limits>
 #include <memory>
 
@@ -19,6 +20,14 @@ namespace {
 
 /// Created once and used for the program's lifetime.
 std::unique_ptr<icu::NumberFormat> gOneFractionDigitFormatter;
+
+/// Files in a row share their sampling rates, and the formatter takes longer than all else that is done for a
+/// file's panel: the last numbers are kept.
+struct FormattedNumber {
+    double value = 0;
+    SvxStringRef text;
+};
+std::array<FormattedNumber, 16> recentNumbers;
 
 struct SizeUnit {
     std::uint64_t lastKibibytes; ///< the largest count of whole kibibytes that is shown in this unit
@@ -37,6 +46,7 @@ constexpr std::array<SizeUnit, 4> sizeUnits = {{
 } // namespace
 
 void svxStringInitString() noexcept {
+    recentNumbers = {};
     try {
         UErrorCode status = U_ZERO_ERROR;
         gOneFractionDigitFormatter.reset(
@@ -57,9 +67,13 @@ SvxStringRef SvxMakeFloatingFractionString(double value) noexcept {
     if (!gOneFractionDigitFormatter) {
         return nullptr;
     }
-    icu::UnicodeString text;
-    gOneFractionDigitFormatter->format(value, text);
-    return SvxStringFromUTF16({text.getBuffer(), static_cast<std::size_t>(text.length())});
+    FormattedNumber& known = recentNumbers[static_cast<std::size_t>(std::hash<double>{}(value) % recentNumbers.size())];
+    if (!known.text || known.value != value) {
+        icu::UnicodeString text;
+        gOneFractionDigitFormatter->format(value, text);
+        known = {value, SvxStringFromUTF16({text.getBuffer(), static_cast<std::size_t>(text.length())})};
+    }
+    return known.text;
 }
 
 SvxStringRef SvxStringMakeSizeString(std::uint64_t bytes) noexcept {

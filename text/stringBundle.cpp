@@ -22,13 +22,6 @@ bool isFolder(const fs::path& path) {
     return fs::is_directory(path, ignored);
 }
 
-std::string utf8Of(const SvxStringRef& text) {
-    std::string bytes(SvxStringGetUTF8Size(text), '\0');
-    std::uint32_t size = 0;
-    SvxStringCopyToUTF8(text, bytes.data(), &size);
-    return bytes;
-}
-
 } // namespace
 
 std::unique_ptr<StringBundle> StringBundle::find(const std::string& identifier) noexcept {
@@ -52,22 +45,22 @@ StringBundle::StringBundle(std::string folder, const std::string& language) : fo
     languageFolder_ = isFolder(wanted) ? wanted.string() : (fs::path(folder_) / "en.lproj").string();
 }
 
-SvxStringRef StringBundle::localizedString(const SvxStringRef& key, const std::string& table) const noexcept {
+SvxStringRef StringBundle::localizedString(std::string_view key, std::string_view table) const noexcept {
     try {
         const Table& texts = tableNamed(table);
-        const auto found = texts.find(utf8Of(key));
-        return found != texts.end() ? found->second : key;
+        const auto found = texts.find(key);
+        return found != texts.end() ? found->second : SvxStringFromCString(key);
     } catch (const std::exception&) {
-        return key;
+        return SvxStringFromCString(key);
     }
 }
 
-const StringBundle::Table& StringBundle::tableNamed(const std::string& name) const {
+const StringBundle::Table& StringBundle::tableNamed(std::string_view name) const {
     const auto known = tables_.find(name);
     if (known != tables_.end()) {
         return known->second;
     }
-    std::ifstream file(fs::path(languageFolder_) / (name + ".strings"), std::ios::binary);
+    std::ifstream file(fs::path(languageFolder_) / (std::string(name) + ".strings"), std::ios::binary);
     const std::string content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     Table texts;
     for (const auto& [key, text] : parseStringsFile(content)) {

@@ -3,10 +3,11 @@
 
 #include "text/SvxString.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 
 namespace sonarin {
 
@@ -22,19 +23,19 @@ public:
     /// does not know the language.
     StringBundle(std::string folder, const std::string& language);
 
-    /// The text under `key` in the table, or `key` itself when the table lacks it. A table is read once.
-    [[nodiscard]] SvxStringRef localizedString(const SvxStringRef& key, const std::string& table) const noexcept;
+    /// The text under `key` (ASCII) in the table, or `key` itself when the table lacks it. A table is read once.
+    [[nodiscard]] SvxStringRef localizedString(std::string_view key, std::string_view table) const noexcept;
 
     /// Where the bundle's other resources lie.
     [[nodiscard]] const std::string& folder() const noexcept { return folder_; }
 
 private:
-    using Table = std::unordered_map<std::string, SvxStringRef>;
-    [[nodiscard]] const Table& tableNamed(const std::string& name) const;
+    using Table = std::map<std::string, SvxStringRef, std::less<>>;
+    [[nodiscard]] const Table& tableNamed(std::string_view name) const;
 
     std::string folder_;
     std::string languageFolder_;
-    mutable std::map<std::string, Table> tables_;
+    mutable std::map<std::string, Table, std::less<>> tables_;
 };
 
 } // namespace sonarin

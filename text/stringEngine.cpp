@@ -16,16 +16,6 @@ namespace sonarin {
 
 namespace {
 
-/// Runs `make`, which makes a text, and answers the absent value when memory runs out.
-template <class Make>
-SvxStringRef textOrAbsent(Make make) noexcept {
-    try {
-        return make();
-    } catch (const std::exception&) {
-        return nullptr;
-    }
-}
-
 /// Runs `test` on two present texts; false when one is absent or memory runs out.
 template <class Test>
 bool testTexts(const SvxStringRef& text, const SvxStringRef& needle, Test test) noexcept {
@@ -36,14 +26,30 @@ bool testTexts(const SvxStringRef& text, const SvxStringRef& needle, Test test) 
     }
 }
 
+template <class Unit, class Units>
+SvxStringRef copyOf(Units units) {
+    Unit* storage = nullptr;
+    SvxStringRef text = SvxString::make(units.size(), &storage);
+    if (text) {
+        copyUnits(units, storage);
+    }
+    return text;
+}
+
+/// Keeps wide units only where they are needed.
+SvxStringRef makeText(std::string_view narrow) { return copyOf<char>(narrow); }
+
+SvxStringRef makeText(std::u16string_view wide) {
+    const bool narrow = std::all_of(wide.begin(), wide.end(), [](char16_t unit) { return unit <= 0xFF; });
+    return narrow ? copyOf<char>(wide) : copyOf<char16_t>(wide);
+}
+
 /// The tests with a needle in Mac OS Roman. An ASCII one, the usual kind, needs no decoding.
 template <class Test>
 bool testWithCString(const SvxStringRef& text, std::string_view needle, bool caseSensitive, Test test) noexcept {
     try {
-        if (asciiRun(needle) == needle.size()) {
-            return text && test(*text, SvxString(std::string(needle)), caseSensitive);
-        }
-        const SvxStringRef decoded = SvxStringFromCString(needle);
+        const bool isAscii = asciiRun(needle) == needle.size();
+        const SvxStringRef decoded = isAscii ? makeText(needle) : SvxStringFromCString(needle);
         return text && decoded && test(*text, *decoded, caseSensitive);
     } catch (const std::exception&) {
         return false;
@@ -63,30 +69,16 @@ private:
     std::string_view bytes_;
 };
 
-template <class Units>
-bool isNarrow(Units units) {
-    return std::all_of(units.begin(), units.end(), [](auto stored) { return unitOf(stored) <= 0xFF; });
-}
-
-/// Keeps wide units only where they are needed.
-template <class Units>
-SvxStringRef makeText(Units units) {
-    if constexpr (sizeof(units[0]) == 1) {
-        return std::make_shared<const SvxString>(std::string(units));
-    } else if (isNarrow(units)) {
-        std::string narrow(units.size(), '\0');
-        std::transform(units.begin(), units.end(), narrow.begin(),
-                       [](char16_t unit) { return static_cast<char>(unit); });
-        return std::make_shared<const SvxString>(std::move(narrow));
-    } else {
-        return std::make_shared<const SvxString>(std::u16string(units));
-    }
-}
-
-std::u16string widened(std::string_view narrow) {
-    std::u16string wide(narrow.size(), u'\0');
-    std::transform(narrow.begin(), narrow.end(), wide.begin(), [](char stored) { return unitOf(stored); });
-    return wide;
+/// The stored elements when they are the text's UTF-8 form as well; else empty.
+std::string_view plainAscii(const SvxString& text) {
+    return text.visit([](auto units) {
+        if constexpr (sizeof(units[0]) == 1) {
+            const bool isPlain = asciiRun(units) == units.size() && units.find('\0') == units.npos;
+            return isPlain ? units : std::string_view();
+        } else {
+            return std::string_view();
+        }
+    });
 }
 
 /// The size of the UTF-8 form up to the first U+0000; nothing when a lone surrogate stands anywhere.
@@ -136,89 +128,49 @@ std::size_t placeholderLength(std::string_view format) {
     return 0;
 }
 
-/// Calls `onLiteral` and `onValue` for the pieces of a formatted text in order.
-template <class OnLiteral, class OnValue>
-void forEachPiece(std::string_view format, std::initializer_list<SvxFormatValue> values, OnLiteral onLiteral,
-                  OnValue onValue) {
+using Digits = std::array<char, 24>;
+
+/// The decimal form, written to `storage`.
+std::string_view decimal(std::int64_t number, Digits& storage) {
+    const char* end = std::to_chars(storage.data(), storage.data() + storage.size(), number).ptr;
+    return {storage.data(), static_cast<std::size_t>(end - storage.data())};
+}
+
+/// Calls `onPiece` for the pieces of a formatted text, in order, as stored elements: literals and values.
+template <class OnPiece>
+void forEachPiece(std::string_view format, std::initializer_list<SvxFormatValue> values, OnPiece onPiece) {
     const auto* value = values.begin();
     while (!format.empty()) {
         const std::size_t placeholder =
             format.front() == '%' && value != values.end() ? placeholderLength(format) : 0;
-        if (placeholder != 0) {
-            onValue(*value++);
-            format.remove_prefix(placeholder);
+        if (placeholder == 0) {
+            const std::string_view literal = format.substr(0, format.find('%', 1));
+            onPiece(literal);
+            format.remove_prefix(literal.size());
             continue;
         }
-        const std::string_view literal = format.substr(0, format.find('%', 1));
-        onLiteral(literal);
-        format.remove_prefix(literal.size());
+        format.remove_prefix(placeholder);
+        if (const auto* number = std::get_if<std::int64_t>(value)) {
+            Digits digits{};
+            onPiece(decimal(*number, digits));
+        } else if (const auto* literal = std::get_if<std::string_view>(value)) {
+            onPiece(*literal);
+        } else if (const auto& text = *std::get_if<SvxStringRef>(value)) {
+            text->visit(onPiece);
+        }
+        ++value;
     }
 }
 
-/// Adds up the size and width of a formatted text, so that its storage is taken once.
-struct FormattedExtent {
-    std::size_t units = 0;
-    bool wide = false;
-
-    void add(const SvxFormatValue& value) {
-        constexpr std::size_t longestNumber = 20;
-        const auto* text = std::get_if<SvxStringRef>(&value);
-        if (text == nullptr) {
-            units += longestNumber;
-        } else if (*text) {
-            (*text)->visit([this](auto more) {
-                units += more.size();
-                wide = wide || sizeof(more[0]) == 2;
-            });
-        }
-    }
-};
-
-template <class Units>
-void appendUnits(Units& out, std::string_view units) {
-    if constexpr (sizeof(out[0]) == 1) {
-        out += units;
-    } else {
-        for (const char stored : units) {
-            out += unitOf(stored);
-        }
-    }
-}
-
-void appendUnits(std::u16string& out, std::u16string_view units) { out += units; }
-void appendUnits(std::string& /*out*/, std::u16string_view /*units*/) {} // a wide value makes a wide text
-
-template <class Units>
-void appendValue(Units& out, const SvxFormatValue& value) {
-    if (const auto* text = std::get_if<SvxStringRef>(&value)) {
-        if (*text) {
-            (*text)->visit([&out](auto units) { appendUnits(out, units); });
-        }
-        return;
-    }
-    std::array<char, 24> digits{};
-    const auto end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), *std::get_if<std::int64_t>(&value)).ptr;
-    appendUnits(out, std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
-}
-
-template <class Units>
+template <class Unit>
 SvxStringRef makeFormatted(std::string_view format, std::initializer_list<SvxFormatValue> values,
                            std::size_t units) {
-    Units storage;
-    storage.reserve(units);
-    forEachPiece(
-        format, values, [&](std::string_view literal) { appendUnits(storage, literal); },
-        [&](const SvxFormatValue& value) { appendValue(storage, value); });
-    return std::make_shared<const SvxString>(std::move(storage));
-}
-
-template <class Units>
-void makeRoomFor(Units& units, std::size_t more) {
-    const std::size_t needed = units.size() + more;
-    if (needed > units.capacity()) {
-        units.reserve(std::max(needed, 2 * units.capacity()));
+    Unit* out = nullptr;
+    SvxStringRef text = SvxString::make(units, &out);
+    if (text) {
+        forEachPiece(format, values, [&out](auto piece) { out = copyUnits(piece, out); });
     }
+    return text;
 }
 
 constexpr bool standsForItselfInURL(CodePoint character) {
@@ -228,38 +180,29 @@ constexpr bool standsForItselfInURL(CodePoint character) {
             std::string_view("-_.!~*'()").find(static_cast<char>(character)) != std::string_view::npos);
 }
 
-} // namespace
-
-void SvxString::extendAfterBlank(const SvxString& addition) {
-    addition.visit([this](auto more) {
-        constexpr bool moreIsNarrow = sizeof(more[0]) == 1;
-        if (auto* narrow = std::get_if<std::string>(&units_)) {
-            if constexpr (moreIsNarrow) {
-                makeRoomFor(*narrow, more.size() + 1);
-                *narrow += ' ';
-                *narrow += more;
-                return;
-            } else {
-                units_ = widened(*narrow);
-            }
-        }
-        auto& wide = *std::get_if<std::u16string>(&units_);
-        makeRoomFor(wide, more.size() + 1);
-        wide += u' ';
-        for (const auto stored : more) {
-            wide += unitOf(stored);
-        }
-    });
+void appendForURL(CodePoint character, std::string& escaped) {
+    constexpr std::string_view hexDigits = "0123456789ABCDEF";
+    constexpr CodePoint replacementCharacter = 0xFFFD;
+    if (standsForItselfInURL(character)) {
+        escaped += static_cast<char>(character);
+        return;
+    }
+    for (const char stored : encodeUtf8(isSurrogate(character) ? replacementCharacter : character).view()) {
+        const auto byte = static_cast<unsigned char>(stored);
+        escaped += {'%', hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
+    }
 }
+
+} // namespace
 
 SvxStringRef SvxStringGetEmpty() noexcept { return nullptr; }
 
-void SvxStringInvalidate(SvxStringRef* text) noexcept { text->reset(); }
+void SvxStringInvalidate(SvxStringRef* text) noexcept { *text = nullptr; }
 
-bool SvxStringIsValid(const SvxStringRef& text) noexcept { return text != nullptr; }
+bool SvxStringIsValid(const SvxStringRef& text) noexcept { return static_cast<bool>(text); }
 
 std::int32_t SvxStringRelease(SvxStringRef* text) noexcept {
-    text->reset();
+    *text = nullptr;
     return 0;
 }
 
@@ -275,17 +218,15 @@ SvxStringRef SvxStringFromUTF8(std::string_view bytes) noexcept {
 }
 
 SvxStringRef SvxStringFromUTF16(std::u16string_view units) noexcept {
-    return textOrAbsent([units] { return makeText(units); });
+    return makeText(units);
 }
 
 SvxStringRef SvxStringCreateWithSubstring(const SvxStringRef& text, SvxIndex start, SvxIndex length) noexcept {
     if (!text || start < 0 || length < 0 || start > text->length() || length > text->length() - start) {
         return nullptr;
     }
-    return textOrAbsent([&] {
-        return text->visit([&](auto units) {
-            return makeText(units.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length)));
-        });
+    return text->visit([&](auto units) {
+        return makeText(units.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length)));
     });
 }
 
@@ -297,31 +238,18 @@ SvxStringRef fourCharacterText(std::uint32_t code) noexcept {
 
 SvxStringRef SvxStringCreateWithFormat(std::string_view format,
                                        std::initializer_list<SvxFormatValue> values) noexcept {
-    return textOrAbsent([&] {
-        FormattedExtent extent;
-        forEachPiece(
-            format, values, [&](std::string_view literal) { extent.units += literal.size(); },
-            [&](const SvxFormatValue& value) { extent.add(value); });
-        return extent.wide ? makeFormatted<std::u16string>(format, values, extent.units)
-                           : makeFormatted<std::string>(format, values, extent.units);
+    std::size_t units = 0;
+    bool wide = false;
+    forEachPiece(format, values, [&](auto piece) {
+        units += piece.size();
+        wide = wide || sizeof(piece[0]) == 2;
     });
+    return wide ? makeFormatted<char16_t>(format, values, units) : makeFormatted<char>(format, values, units);
 }
 
 void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition) noexcept {
-    if (!*text || !addition) {
-        return;
-    }
-    if (text->use_count() != 1) {
-        SvxStringRef joined = SvxStringCreateWithFormat("%@ %@", {*text, addition});
-        if (joined) {
-            *text = std::move(joined);
-        }
-        return;
-    }
-    try {
-        std::const_pointer_cast<SvxString>(*text)->extendAfterBlank(*addition);
-    } catch (const std::exception&) {
-        // Out of memory: the text stays as it was.
+    if (*text && addition) {
+        text->appendAfterBlank(*addition);
     }
 }
 
@@ -337,7 +265,7 @@ std::int32_t SvxStringGetIntValue(const SvxStringRef& text) noexcept {
 
 bool SvxStringIsEqual(const SvxStringRef& a, const SvxStringRef& b) noexcept {
     if (!a || !b) {
-        return a == b;
+        return !a && !b;
     }
     return a->visit([&b](auto left) {
         return b->visit([left](auto right) {
@@ -384,12 +312,20 @@ bool SvxStringEndsWithCString(const SvxStringRef& text, const char* needle, bool
 }
 
 std::uint32_t SvxStringGetUTF8Size(const SvxStringRef& text) noexcept {
-    return text ? static_cast<std::uint32_t>(utf8Size(*text).value_or(0)) : 0;
+    if (!text) {
+        return 0;
+    }
+    const std::string_view ascii = plainAscii(*text);
+    return static_cast<std::uint32_t>(!ascii.empty() ? ascii.size() : utf8Size(*text).value_or(0));
 }
 
 void SvxStringCopyToUTF8(const SvxStringRef& text, char* destination, std::uint32_t* size) noexcept {
     *size = SvxStringGetUTF8Size(text);
     if (*size == 0) {
+        return;
+    }
+    if (const std::string_view ascii = plainAscii(*text); !ascii.empty()) {
+        std::copy(ascii.begin(), ascii.end(), destination);
         return;
     }
     text->visit([destination](auto units) {
@@ -406,27 +342,20 @@ void SvxStringCopyToUTF8(const SvxStringRef& text, char* destination, std::uint3
 }
 
 SvxStringRef SvxStringConvertToURL(const SvxStringRef& text) noexcept {
-    return textOrAbsent([&text] {
-        constexpr std::string_view hexDigits = "0123456789ABCDEF";
-        constexpr CodePoint replacementCharacter = 0xFFFD;
+    try {
         std::string escaped;
-        const auto escape = [&](CodePoint character) {
-            if (standsForItselfInURL(character)) {
-                escaped += static_cast<char>(character);
-                return true;
-            }
-            const Utf8Character encoded = encodeUtf8(isSurrogate(character) ? replacementCharacter : character);
-            for (const char stored : encoded.view()) {
-                const auto byte = static_cast<unsigned char>(stored);
-                escaped += {'%', hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
-            }
-            return true;
-        };
         if (text) {
-            text->visit([&](auto units) { forEachCharacter(units, escape); });
+            text->visit([&escaped](auto units) {
+                forEachCharacter(units, [&escaped](CodePoint character) {
+                    appendForURL(character, escaped);
+                    return true;
+                });
+            });
         }
-        return std::make_shared<const SvxString>(std::move(escaped));
-    });
+        return makeText(escaped);
+    } catch (const std::exception&) {
+        return nullptr;
+    }
 }
 
 } // namespace sonarin

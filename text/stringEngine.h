@@ -44,9 +44,9 @@ std::int32_t SvxStringRelease(SvxStringRef* text) noexcept;
 [[nodiscard]] SvxStringRef fourCharacterText(std::uint32_t code) noexcept;
 
 /// A value for one placeholder of SvxStringCreateWithFormat.
-using SvxFormatValue = std::variant<SvxStringRef, std::int64_t>;
-/// Makes a text from an ASCII format: "%@" stands for a text, "%i" and "%li" for a whole number in decimal.
-/// Values are taken in order; an absent text counts as empty.
+using SvxFormatValue = std::variant<SvxStringRef, std::int64_t, std::string_view>;
+/// Makes a text from an ASCII format: "%@" stands for a text (or an ASCII literal), "%i" and "%li" for a whole
+/// number in decimal. Values are taken in order; an absent text counts as empty.
 [[nodiscard]] SvxStringRef SvxStringCreateWithFormat(std::string_view format,
                                                      std::initializer_list<SvxFormatValue> values) noexcept;
 

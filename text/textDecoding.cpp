@@ -5,7 +5,6 @@
 #include "text/unicodeForms.h"
 
 #include <array>
-#include <exception>
 
 namespace sonarin {
 
@@ -164,22 +163,25 @@ bool forEachPiece(SvxByteSource& source, std::uint64_t size, OnPiece onPiece) {
     return true;
 }
 
-template <class Encoding, class Units>
+template <class Encoding, class Unit>
 SvxStringRef fill(SvxByteSource& source, std::uint64_t size, std::size_t units) {
-    Units storage(units, typename Units::value_type{});
-    auto* out = storage.data();
-    auto* const end = out + units;
+    Unit* out = nullptr;
+    SvxStringRef text = SvxString::make(units, &out);
+    if (!text) {
+        return nullptr;
+    }
+    Unit* const end = out + units;
     // The file may have changed since it was measured, so a piece that no longer fits ends the reading.
     const bool filled = forEachPiece<Encoding>(source, size, [&](std::string_view piece) {
         Extent now;
         if (!Encoding::measure(piece, now) || now.units > static_cast<std::size_t>(end - out) ||
-            (now.wide && sizeof(*out) == 1)) {
+            (now.wide && sizeof(Unit) == 1)) {
             return false;
         }
         out = Encoding::write(piece, out);
         return true;
     });
-    return filled && out == end ? std::make_shared<const SvxString>(std::move(storage)) : nullptr;
+    return filled && out == end ? text : nullptr;
 }
 
 template <class Encoding>
@@ -189,8 +191,8 @@ SvxStringRef decode(SvxByteSource& source, std::uint64_t size) {
                                 [&](std::string_view piece) { return Encoding::measure(piece, extent); })) {
         return nullptr;
     }
-    return extent.wide ? fill<Encoding, std::u16string>(source, size, extent.units)
-                       : fill<Encoding, std::string>(source, size, extent.units);
+    return extent.wide ? fill<Encoding, char16_t>(source, size, extent.units)
+                       : fill<Encoding, char>(source, size, extent.units);
 }
 
 } // namespace
@@ -208,19 +210,15 @@ std::size_t asciiRun(std::string_view bytes) noexcept {
 
 SvxStringRef SvxStringFromSource(SvxEncoding encoding, SvxByteSource& source) noexcept {
     const std::uint64_t size = source.size();
-    try {
-        switch (encoding) {
-        case SvxEncoding::ascii:
-            return decode<Ascii>(source, size);
-        case SvxEncoding::macRoman:
-            return decode<MacRoman>(source, size);
-        case SvxEncoding::utf8:
-            return decode<Utf8>(source, size);
-        case SvxEncoding::utf16LittleEndian:
-            return decode<Utf16LittleEndian>(source, size & ~std::uint64_t{1});
-        }
-    } catch (const std::exception&) {
-        // Out of memory, the only failure that the standard library has here.
+    switch (encoding) {
+    case SvxEncoding::ascii:
+        return decode<Ascii>(source, size);
+    case SvxEncoding::macRoman:
+        return decode<MacRoman>(source, size);
+    case SvxEncoding::utf8:
+        return decode<Utf8>(source, size);
+    case SvxEncoding::utf16LittleEndian:
+        return decode<Utf16LittleEndian>(source, size & ~std::uint64_t{1});
     }
     return nullptr;
 }

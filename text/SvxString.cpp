@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "text/SvxString.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+namespace sonarin {
+
+namespace {
+
+/// The bytes of a text with room for that many units; 0 when that is more than memory can have.
+std::size_t blockSize(std::size_t units, bool wide) {
+    constexpr std::size_t largest = std::numeric_limits<std::ptrdiff_t>::max() / 2 - sizeof(SvxString);
+    return units > largest / 2 ? 0 : sizeof(SvxString) + (wide ? 2 * units : units);
+}
+
+} // namespace
+
+SvxString* SvxString::allocate(std::size_t count, bool wide) noexcept {
+    const std::size_t size = blockSize(count, wide);
+    // malloc, because it is realloc that lets a long text grow without a second copy of it.
+    void* block = size != 0 ? std::malloc(size) : nullptr; // NOLINT(*-no-malloc,*-owning-memory)
+    if (block == nullptr) {
+        return nullptr;
+    }
+    auto* text = new (block) SvxString;
+    text->count_ = count;
+    text->capacity_ = count;
+    text->wide_ = wide;
+    return text;
+}
+
+void SvxStringRef::destroy(SvxString* text) noexcept { std::free(text); } // NOLINT(*-no-malloc,*-owning-memory)
+
+/// Makes the text one that only this reference holds, with room for `count` units of that width.
+bool SvxStringRef::makeRoom(std::size_t count, bool wide) noexcept {
+    const bool sole = text_->references_ == 1 && text_->wide_ == wide;
+    if (sole && count <= text_->capacity_) {
+        return true;
+    }
+    const std::size_t capacity = std::max(count, 2 * text_->count_);
+    const std::size_t size = blockSize(capacity, wide);
+    if (size == 0) {
+        return false;
+    }
+    if (sole) {
+        void* grown = std::realloc(text_, size); // NOLINT(*-no-malloc,*-owning-memory)
+        if (grown == nullptr) {
+            return false;
+        }
+        text_ = static_cast<SvxString*>(grown);
+        text_->capacity_ = capacity;
+        return true;
+    }
+    SvxStringRef copy(SvxString::allocate(capacity, wide));
+    if (!copy) {
+        return false;
+    }
+    copy.text_->count_ = text_->count_;
+    text_->visit([&copy, wide](auto units) {
+        if (wide) {
+            copyUnits(units, static_cast<char16_t*>(copy.text_->units()));
+        } else if constexpr (sizeof(units[0]) == 1) {
+            copyUnits(units, static_cast<char*>(copy.text_->units()));
+        }
+    });
+    *this = std::move(copy);
+    return true;
+}
+
+bool SvxStringRef::appendAfterBlank(const SvxString& addition) noexcept {
+    const std::size_t count = text_->count_ + 1 + addition.count_;
+    if (!makeRoom(count, text_->wide_ || addition.wide_)) {
+        return false;
+    }
+    const std::size_t end = std::exchange(text_->count_, count);
+    addition.visit([this, end](auto more) {
+        if (text_->wide_) {
+            char16_t* out = static_cast<char16_t*>(text_->units()) + end;
+            *out = u' ';
+            copyUnits(more, out + 1);
+        } else if constexpr (sizeof(more[0]) == 1) {
+            char* out = static_cast<char*>(text_->units()) + end;
+            *out = ' ';
+            copyUnits(more, out + 1);
+        }
+    });
+    return true;
+}
+
+} // namespace sonarin
