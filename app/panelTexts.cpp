@@ -11,7 +11,9 @@ namespace sonarin {
 
 namespace {
 
-SvxStringRef plainNumber(std::uint32_t number) { return SvxStringCreateWithFormat("%li", {number}); }
+SvxStringRef plainNumber(std::uint32_t number) {
+    return SvxStringCreateWithFormat("%li", {number});
+}
 
 SvxStringRef yearText(const audioTags& record) {
     return record.mp3Year != 0 ? plainNumber(record.mp3Year) : nullptr;
@@ -30,12 +32,13 @@ SvxStringRef samplingRateText(const audioTags& record) {
     if (record.mp3SamplingRate == 0) {
         return nullptr;
     }
-    return SvxStringCreateWithFormat("%@ kHz", {SvxMakeFloatingFractionString(record.mp3SamplingRate / 1000.0)});
+    return SvxStringCreateWithFormat("%@ kHz",
+                                     {SvxMakeFloatingFractionString(record.mp3SamplingRate / 1000.0)});
 }
 
 /// Both blanks before the sampling rate stay when there is none.
 SvxStringRef bitrateEtcText(const audioTags& record) {
-    const SvxStringRef samplingRate = samplingRateText(record);
+    SvxStringRef samplingRate = samplingRateText(record);
     if (record.mp3BitRate == 0) {
         return samplingRate;
     }
@@ -84,7 +87,9 @@ SvxStringRef panelLyrics(const audioTags& record) noexcept {
     return hasLyrics(record) ? record.mp3LyricsString : SvxStringFromCString(" ");
 }
 
-bool hasLyrics(const audioTags& record) noexcept { return SvxStringIsValid(record.mp3LyricsString); }
+bool hasLyrics(const audioTags& record) noexcept {
+    return SvxStringIsValid(record.mp3LyricsString);
+}
 
 bool canTellTwitter(const audioTags& record) noexcept {
     return SvxStringIsValid(record.mp3SongTitleString) && SvxStringIsValid(record.mp3ArtistString);

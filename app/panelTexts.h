@@ -15,8 +15,8 @@ namespace sonarin {
 /// The size of a regular file; "n.a." for anything else.
 [[nodiscard]] SvxStringRef panelFileSize(const HostFileAttributes& attributes) noexcept;
 
-/// The texts of the fact fields, by the name of their outlets. The details of the cover picture are left to the
-/// window, since they need the decoded picture.
+/// The texts of the fact fields, by the name of their outlets. The details of the cover picture are left to
+/// the window, since they need the decoded picture.
 struct PanelFacts {
     SvxStringRef id3DurationField;
     SvxStringRef id3BitrateEtcField;

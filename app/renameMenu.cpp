@@ -8,7 +8,8 @@ namespace sonarin {
 namespace {
 
 /// `start` and the name: a menu entry and the name that it offers are made the same way.
-SvxStringRef formatName(std::string_view start, RenamePattern pattern, const audioTags& record, std::int32_t type) {
+SvxStringRef formatName(std::string_view start, RenamePattern pattern, const audioTags& record,
+                        std::int32_t type) {
     const std::string_view suffix = suffixForType(type);
     const SvxStringRef& title = record.mp3SongTitleString;
     switch (pattern) {
@@ -20,8 +21,8 @@ SvxStringRef formatName(std::string_view start, RenamePattern pattern, const aud
     case RenamePattern::artistSong:
         return SvxStringCreateWithFormat("%@%@ - %@.%@", {start, record.mp3ArtistString, title, suffix});
     case RenamePattern::artistAlbumSong:
-        return SvxStringCreateWithFormat("%@%@ - %@ - %@.%@", {start, record.mp3ArtistString,
-                                                               record.mp3AlbumString, title, suffix});
+        return SvxStringCreateWithFormat(
+            "%@%@ - %@ - %@.%@", {start, record.mp3ArtistString, record.mp3AlbumString, title, suffix});
     }
     return nullptr;
 }

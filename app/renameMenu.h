@@ -21,7 +21,8 @@ enum class RenamePattern { songTitle, trackNumSongTitle, artistSong, artistAlbum
 [[nodiscard]] std::vector<RenamePattern> renamePatterns(const audioTags& record);
 
 /// The file name that the pattern makes of the record, every value as it stands.
-[[nodiscard]] SvxStringRef renameFileName(RenamePattern pattern, const audioTags& record, std::int32_t type) noexcept;
+[[nodiscard]] SvxStringRef renameFileName(RenamePattern pattern, const audioTags& record,
+                                          std::int32_t type) noexcept;
 
 /// The title of the menu entry that offers that name.
 [[nodiscard]] SvxStringRef renameEntryTitle(RenamePattern pattern, const audioTags& record,

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
-
 #include <stdlib.h>
 
 namespace sonarin::bench {
@@ -66,28 +65,5 @@ std::vector<std::string> makeFiles(const std::string& name, const std::string& c
     }
     return paths;
 }
-
-std::string bigEndian(std::uint32_t value) {
-    std::string bytes;
-    for (const unsigned shift : {24U, 16U, 8U, 0U}) {
-        bytes += static_cast<char>((value >> shift) & 0xFFU);
-    }
-    return bytes;
-}
-
-std::string id3Frame(const std::string& id, const std::string& data) {
-    return id + bigEndian(static_cast<std::uint32_t>(data.size())) + std::string(2, '\0') + data;
-}
-
-std::string id3Tag(const std::string& frames, std::size_t padding) {
-    const std::size_t size = frames.size() + padding;
-    std::string tag = std::string("ID3\3\0\0", 6);
-    for (const unsigned shift : {21U, 14U, 7U, 0U}) {
-        tag += static_cast<char>((size >> shift) & 0x7FU);
-    }
-    return tag + frames + std::string(padding, '\0');
-}
-
-std::string mpegAudio(std::size_t size) { return "\xFF\xFB\x90" + std::string(size - 3, '\0'); }
 
 } // namespace sonarin::bench

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -19,15 +18,5 @@ std::string makeLargeFile(const std::string& name, std::size_t mebibytes,
 
 /// `count` files with the same content.
 std::vector<std::string> makeFiles(const std::string& name, const std::string& content, std::size_t count);
-
-/// An ID3v2.3 frame, and a tag of frames and padding.
-std::string id3Frame(const std::string& id, const std::string& data);
-std::string id3Tag(const std::string& frames, std::size_t padding);
-
-/// `value` as four bytes, most significant first.
-std::string bigEndian(std::uint32_t value);
-
-/// An MPEG-1 Layer III frame header (128 kbit/s, 44100 Hz, stereo) and silence behind it.
-std::string mpegAudio(std::size_t size);
 
 } // namespace sonarin::bench

@@ -9,8 +9,8 @@
 
 namespace {
 
-/// Prints each benchmark's best time and its ratio to the best time of its group's floor: in "group/case", the
-/// floor is "group/floor". The best of all repetitions is what the machine's other work disturbs least.
+/// Prints each benchmark's best time and its ratio to the best time of its group's floor: in "group/case",
+/// the floor is "group/floor". The best of all repetitions is what the machine's other work disturbs least.
 class RatioReporter : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& /*context*/) override { return true; }

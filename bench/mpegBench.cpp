@@ -4,17 +4,17 @@
 #include "cli/jsonOutput.h"
 #include "cli/outputBuffer.h"
 #include "engine/fileEngine.h"
+#include "tests/support/sampleBytes.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
-#include <memory>
-#include <random>
-
 #include <fcntl.h>
 #include <malloc.h>
+#include <memory>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,6 +22,7 @@ namespace {
 
 using namespace sonarin;
 using namespace sonarin::bench;
+using namespace sonarin::sample;
 
 constexpr std::size_t readSize = 65536;
 constexpr std::size_t fileCount = 1000;
@@ -59,18 +60,18 @@ void readAndPrint(const std::vector<std::string>& paths) {
 }
 
 std::string ordinaryFrames() {
-    using namespace std::string_literals;
-    return id3Frame("TIT2", "\0The Title of a Song"s) + id3Frame("TPE1", "\0The Artist Who Plays It"s) +
-           id3Frame("TALB", "\0The Album It Is On"s) + id3Frame("TRCK", "\0003/12"s) + id3Frame("TYER", "\0001999"s) +
-           id3Frame("TCON", "\0(17)"s) + id3Frame("COMM", "\0eng\0A comment of a few words.\0"s) +
-           id3Frame("TENC", "\0An Encoder"s) + id3Frame("TXXX", "\0key\0value"s);
+    return id3Frame("TIT2", bytes("\0The Title of a Song")) +
+           id3Frame("TPE1", bytes("\0The Artist Who Plays It")) +
+           id3Frame("TALB", bytes("\0The Album It Is On")) + id3Frame("TRCK", bytes("\0003/12")) +
+           id3Frame("TYER", bytes("\0001999")) + id3Frame("TCON", bytes("\0(17)")) +
+           id3Frame("COMM", bytes("\0eng\0A comment of a few words.\0")) +
+           id3Frame("TENC", bytes("\0An Encoder")) + id3Frame("TXXX", bytes("\0key\0value"));
 }
 
 std::string ordinaryFile(std::size_t coverSize) {
-    using namespace std::string_literals;
     std::string frames = ordinaryFrames();
     if (coverSize != 0) {
-        frames += id3Frame("APIC", "\0image/jpeg\0\3\0\xFF\xD8\xFF\xE0"s + std::string(coverSize, 'j'));
+        frames += id3Frame("APIC", bytes("\0image/jpeg\0\3\0\xFF\xD8\xFF\xE0") + std::string(coverSize, 'j'));
     }
     return id3Tag(frames, 1024) + mpegAudio(200000);
 }
@@ -145,7 +146,6 @@ void startProgram(benchmark::State& state, const std::string& command) {
 }
 
 void registerLargeOnes() {
-    using namespace std::string_literals;
     for (const std::string kind : {"zero", "ff", "random"}) {
         const std::string group = "search-1GiB-" + kind;
         benchmark::RegisterBenchmark((group + "/floor").c_str(), [kind](benchmark::State& state) {
@@ -159,10 +159,11 @@ void registerLargeOnes() {
         printFiles(state, {makeFile("joined.mp3", joinedFramesFile())});
     });
     benchmark::RegisterBenchmark("frame-200MB/lyrics", [](benchmark::State& state) {
-        printFiles(state, {makeFile("lyrics.mp3", longFrameFile("USLT", "\0eng\0"s, 200000000))});
+        printFiles(state, {makeFile("lyrics.mp3", longFrameFile("USLT", bytes("\0eng\0"), 200000000))});
     });
     benchmark::RegisterBenchmark("frame-200MB/picture", [](benchmark::State& state) {
-        printFiles(state, {makeFile("picture.mp3", longFrameFile("APIC", "\0image/png\0\3\0"s, 200000000))});
+        printFiles(state,
+                   {makeFile("picture.mp3", longFrameFile("APIC", bytes("\0image/png\0\3\0"), 200000000))});
     });
 }
 
@@ -178,7 +179,8 @@ const bool registered = [] {
     benchmark::RegisterBenchmark("start/sonarin-info-json", [](benchmark::State& state) {
         startProgram(state, SONARIN_INFO " --json " + ordinaryFiles().front() + " > /dev/null");
     });
-    benchmark::RegisterBenchmark("start/floor", [](benchmark::State& state) { startProgram(state, "/bin/true"); });
+    benchmark::RegisterBenchmark("start/floor",
+                                 [](benchmark::State& state) { startProgram(state, "/bin/true"); });
     registerLargeOnes();
     return true;
 }();

@@ -2,7 +2,6 @@
 #include "cli/commandLine.h"
 
 #include <array>
-
 #include <getopt.h>
 
 namespace sonarin {
@@ -46,7 +45,8 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
     for (;;) {
         const char* word = optind < argc ? argv[optind] : ""; // NOLINT(*-pointer-arithmetic)
         // The program has no second thread.
-        const int found = getopt_long(argc, argv, ":hj", options.data(), nullptr); // NOLINT(concurrency-mt-unsafe)
+        const int found =
+            getopt_long(argc, argv, ":hj", options.data(), nullptr); // NOLINT(concurrency-mt-unsafe)
         if (found == -1) {
             break;
         }

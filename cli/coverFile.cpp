@@ -6,17 +6,18 @@
 #include "platform/host/fileDescriptor.h"
 
 #include <cerrno>
-#include <system_error>
-
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace sonarin {
 
 namespace {
 
-std::string hostErrorText(int error) { return std::generic_category().message(error); }
+std::string hostErrorText(int error) {
+    return std::generic_category().message(error);
+}
 
 bool isSameFile(const std::string& one, const std::string& other) {
     struct stat first {};

@@ -4,16 +4,17 @@
 #include "engine/fileEngine.h"
 
 #include <cerrno>
-#include <system_error>
-
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace sonarin {
 
 namespace {
 
-std::string hostErrorText(int error) { return std::generic_category().message(error); }
+std::string hostErrorText(int error) {
+    return std::generic_category().message(error);
+}
 
 } // namespace
 

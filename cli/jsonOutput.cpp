@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -28,7 +29,9 @@ constexpr std::array<bool, 0x100> plainUnits = [] {
     return plain;
 }();
 
-constexpr bool standsForItself(char16_t unit) { return unit < plainUnits.size() && plainUnits[unit]; }
+constexpr bool standsForItself(char16_t unit) {
+    return unit < plainUnits.size() && plainUnits[unit];
+}
 
 /// The length of the run that needs no escape.
 std::size_t plainRun(std::string_view bytes) {
@@ -52,7 +55,7 @@ struct MemberName {
 
     consteval MemberName(const char (&name)[Size]) { // NOLINT(*-avoid-c-arrays,*-explicit-*): reads as a text
         std::copy_n(", \"", 3, characters.begin());
-        std::copy_n(name, Size - 1, characters.begin() + 3);
+        std::copy_n(std::begin(name), Size - 1, characters.begin() + 3);
         std::copy_n("\": ", 3, characters.begin() + 2 + Size);
     }
 

@@ -13,10 +13,9 @@
 
 #include <cstdlib>
 #include <exception>
+#include <malloc.h>
 #include <string_view>
 #include <system_error>
-
-#include <malloc.h>
 #include <unistd.h>
 
 namespace sonarin {
@@ -46,7 +45,7 @@ void complainAbout(const ShownFile& file, const std::string& message) {
 
 bool wantsColour() {
     // The program has no second thread.
-    const char* terminal = std::getenv("TERM");                                   // NOLINT(concurrency-mt-unsafe)
+    const char* terminal = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe)
     const bool plain = terminal == nullptr || std::string_view(terminal) == "dumb" ||
                        std::getenv("NO_COLOR") != nullptr; // NOLINT(concurrency-mt-unsafe)
     return !plain && isatty(STDOUT_FILENO) == 1;
@@ -114,8 +113,8 @@ int run(int argc, char** argv) {
     }
     // A read buffer and a cover come and go with every file: keep their memory instead of giving it back to
     // the system and asking for it again each time.
-    mallopt(M_TRIM_THRESHOLD, 8 << 20);
-    mallopt(M_MMAP_THRESHOLD, 1 << 20);
+    mallopt(M_TRIM_THRESHOLD, 8 << 20); // NOLINT(concurrency-mt-unsafe): there is no second thread
+    mallopt(M_MMAP_THRESHOLD, 1 << 20); // NOLINT(concurrency-mt-unsafe)
 
     initStringBundle(bundleIdentifier);
     svxStringInitString();

@@ -4,7 +4,6 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
-
 #include <poll.h>
 #include <unistd.h>
 
@@ -21,7 +20,7 @@ void waitUntilWritable(int descriptor) {
 } // namespace
 
 OutputBuffer::OutputBuffer(int descriptor)
-    : descriptor_(descriptor), buffer_(std::make_unique_for_overwrite<char[]>(capacity)) {} // NOLINT(*-avoid-c-arrays)
+    : descriptor_(descriptor), buffer_(new char[capacity]) {} // NOLINT(*-avoid-c-arrays)
 
 void OutputBuffer::appendBeyondBuffer(std::string_view bytes) {
     flush();
@@ -34,7 +33,7 @@ void OutputBuffer::appendBeyondBuffer(std::string_view bytes) {
 
 void OutputBuffer::appendNumber(std::int64_t number) {
     std::array<char, 24> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
     append(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
 }
 

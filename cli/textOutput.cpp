@@ -133,9 +133,10 @@ void appendText(OutputBuffer& out, const ShownFile& file, bool inColour) {
     list.field("Encoder", facts.id3EncoderAppField);
     list.field("Tag", facts.id3TagVersionField);
     if (file.record.mp3CoverArt) {
-        list.field("Cover", SvxStringCreateWithFormat(
-                                "%@, %li bytes", {fourCharacterText(file.record.mp3CoverArtType),
-                                                  static_cast<std::int64_t>(file.record.mp3CoverArt.size())}));
+        list.field("Cover",
+                   SvxStringCreateWithFormat("%@, %li bytes",
+                                             {fourCharacterText(file.record.mp3CoverArtType),
+                                              static_cast<std::int64_t>(file.record.mp3CoverArt.size())}));
     }
     list.field("Lyrics", file.record.mp3LyricsString);
 }

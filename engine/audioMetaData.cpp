@@ -27,7 +27,8 @@ HostTypeCodes typeCodesOf(const SvxStringRef& path) {
 
 std::int32_t amdAudioFileType(const SvxStringRef& path) noexcept {
     const SvxStringRef name = feLastPathComponent(path);
-    // The first test, once its name decides, says yes whatever the codes are: no need to ask the disk for them.
+    // The first test, once its name decides, says yes whatever the codes are: no need to ask the disk for
+    // them.
     if (mp3PossibleFile(name, 0, 0) != 0) {
         return amdTypeMP3;
     }
@@ -72,7 +73,8 @@ std::uint32_t mp3PossibleFile(const SvxStringRef& name, std::uint32_t type, std:
     return SvxStringEndsWithCString(name, ".MP3", false) ? 1 : 0;
 }
 
-bool aacPossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t creator, bool* isM4P) noexcept {
+bool aacPossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t creator,
+                     bool* isM4P) noexcept {
     if (type == fourCC("M4A ")) {
         *isM4P = false;
         return true;
@@ -109,7 +111,9 @@ std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* rec
     }
 }
 
-void amdReleaseAudioMetaData(audioTags* record) noexcept { mp3DisposeTagsData(record); }
+void amdReleaseAudioMetaData(audioTags* record) noexcept {
+    mp3DisposeTagsData(record);
+}
 
 void mp3DisposeTagsData(audioTags* record) noexcept {
     SvxStringRelease(&record->mp3SongTitleString);

@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-/// The front of the engine: the record that every reader fills, the audio types, and the one call that reads a
-/// file. Nothing throws, and the engine keeps no state between calls.
+/// The front of the engine: the record that every reader fills, the audio types, and the one call that reads
+/// a file. Nothing throws, and the engine keeps no state between calls.
 namespace sonarin {
 
 /// The facts and tags of one audio file. A cleared record is `audioTags{}`: numbers 0, texts absent, no
@@ -34,7 +34,7 @@ struct audioTags {
     SvxStringRef mp3Genre2String; ///< the genre as text
     SvxStringRef mp3LyricsString;
     SvxStringRef mp3EncoderAppString;
-    ByteBlock mp3CoverArt;              ///< the bytes of one image file
+    ByteBlock mp3CoverArt;             ///< the bytes of one image file
     std::uint32_t mp3CoverArtType = 0; ///< "JPEG", "PNGf" or "BMPf" as a four-character code; 0 for none
 };
 
@@ -65,7 +65,9 @@ void mp3DisposeTagsData(audioTags* record) noexcept;
 /// Sets `*isM4P` only when it answers true.
 [[nodiscard]] bool aacPossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t creator,
                                    bool* isM4P) noexcept;
-[[nodiscard]] bool aiffPossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t creator) noexcept;
-[[nodiscard]] bool wavePossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t creator) noexcept;
+[[nodiscard]] bool aiffPossibleFile(const SvxStringRef& name, std::uint32_t type,
+                                    std::uint32_t creator) noexcept;
+[[nodiscard]] bool wavePossibleFile(const SvxStringRef& name, std::uint32_t type,
+                                    std::uint32_t creator) noexcept;
 
 } // namespace sonarin

@@ -40,7 +40,8 @@ constexpr std::uint64_t littleEndian64(ByteView bytes, std::size_t offset = 0) {
     return littleEndian32(bytes, offset) | (std::uint64_t{littleEndian32(bytes, offset + 4)} << 32U);
 }
 
-/// Four bytes of seven bits each (ID3v2). Top bits are not masked off: a byte above 0x7F adds its whole value.
+/// Four bytes of seven bits each (ID3v2). Top bits are not masked off: a byte above 0x7F adds its whole
+/// value.
 constexpr std::uint32_t synchsafe(ByteView bytes, std::size_t offset = 0) {
     return (std::uint32_t{bytes[offset]} << 21U) + (std::uint32_t{bytes[offset + 1]} << 14U) +
            (std::uint32_t{bytes[offset + 2]} << 7U) + bytes[offset + 3];

@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <exception>
 #include <limits>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,9 +18,13 @@ namespace {
 
 constexpr char16_t escapedByteBase = 0xDC00;
 
-bool isEscapedByte(CodePoint unit) { return unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF; }
+bool isEscapedByte(CodePoint unit) {
+    return unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF;
+}
 
-std::int32_t hostError() { return -static_cast<std::int32_t>(errno); }
+std::int32_t hostError() {
+    return -static_cast<std::int32_t>(errno);
+}
 
 std::u16string decodePath(std::string_view bytes) {
     std::u16string units(bytes.size(), u'\0');
@@ -153,6 +156,8 @@ std::int32_t feReadFromFile(std::int32_t refNum, std::uint64_t position, std::ui
     return fileNoErr;
 }
 
-std::int32_t feCloseFile(std::int32_t refNum) noexcept { return close(refNum) == 0 ? fileNoErr : hostError(); }
+std::int32_t feCloseFile(std::int32_t refNum) noexcept {
+    return close(refNum) == 0 ? fileNoErr : hostError();
+}
 
 } // namespace sonarin

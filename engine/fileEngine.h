@@ -9,9 +9,9 @@
 
 /// The file primitives of the program: paths, open, size, positioned read, close.
 ///
-/// A path travels through the program as a text. POSIX paths are bytes that need not be valid UTF-8, so a byte
-/// that is none becomes the lone surrogate U+DC00 + byte (U+DC80 to U+DCFF), and is made that byte again before
-/// the file system sees it: every path comes back as it was.
+/// A path travels through the program as a text. POSIX paths are bytes that need not be valid UTF-8, so a
+/// byte that is none becomes the lone surrogate U+DC00 + byte (U+DC80 to U+DCFF), and is made that byte again
+/// before the file system sees it: every path comes back as it was.
 namespace sonarin {
 
 /// Results of the file and cache primitives: 0, one of these, or another negative value, which is the host's
@@ -34,14 +34,15 @@ struct FSRef {
 /// The last component of a path: what follows the last "/", trailing slashes aside; "/" for the root.
 [[nodiscard]] SvxStringRef feLastPathComponent(const SvxStringRef& path) noexcept;
 
-/// Makes the reference of the item at `path`; the item need not exist. fileMemFullErr, or -ENOENT for an absent
-/// or empty path and one with U+0000.
+/// Makes the reference of the item at `path`; the item need not exist. fileMemFullErr, or -ENOENT for an
+/// absent or empty path and one with U+0000.
 [[nodiscard]] std::int32_t feMakeFSRefFromPath(const SvxStringRef& path, FSRef* ref) noexcept;
 
 /// Opens an existing file, for reading and writing when `writeAccess` is 1, else for reading. Answers the
 /// reference number (the host's descriptor, never 0), or 0 when it cannot be opened. Never waits; that the
 /// item is a regular file is for feGetEOF to tell.
-[[nodiscard]] std::int32_t feOpenExistingDataFile(const SvxStringRef& path, std::int32_t writeAccess) noexcept;
+[[nodiscard]] std::int32_t feOpenExistingDataFile(const SvxStringRef& path,
+                                                  std::int32_t writeAccess) noexcept;
 
 /// The file's size in bytes. An item that is no regular file has none: -EINVAL.
 [[nodiscard]] std::int32_t feGetEOF(std::int32_t refNum, std::uint64_t* size) noexcept;

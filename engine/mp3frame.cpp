@@ -26,7 +26,8 @@ using BitRates = std::array<std::uint16_t, 16>;
 constexpr BitRates mp3v1L2BitRateArray = {0,   32,  48,  56,  64,  80,  96,  112,
                                           128, 160, 192, 224, 256, 320, 384, 0};
 /// ISO/IEC 11172-3, Layer III.
-constexpr BitRates mp3v1L3BitRateArray = {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 0};
+constexpr BitRates mp3v1L3BitRateArray = {0,   32,  40,  48,  56,  64,  80,  96,
+                                          112, 128, 160, 192, 224, 256, 320, 0};
 /// ISO/IEC 13818-3, the lower sampling frequencies, Layers II and III.
 constexpr BitRates mp3v2L23BitRateArray = {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, 0};
 
@@ -43,9 +44,9 @@ constexpr bool isAcceptable(std::uint32_t word) {
            bitRateIndex != 15 && samplingRateIndex != 3;
 }
 
-// A file without a header must not take much longer to search than to read from the system's cache; looking at one
-// position after the other takes 20 times as long. Where g++ can, the search is compiled for AVX2 as well, and the
-// program picks the faster one when it starts.
+// A file without a header must not take much longer to search than to read from the system's cache; looking
+// at one position after the other takes 20 times as long. Where g++ can, the search is compiled for AVX2 as
+// well, and the program picks the faster one when it starts.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__)
 #define SONARIN_ALSO_FOR_AVX2 [[gnu::target_clones("avx2", "default")]]
 #else
@@ -55,9 +56,9 @@ constexpr bool isAcceptable(std::uint32_t word) {
 using WideLanes = std::uint8_t __attribute__((vector_size(32)));
 constexpr std::size_t searchBlock = 2 * sizeof(WideLanes);
 
-/// How many of the positions, in whole blocks from the first one on, cannot begin a header going by their first
-/// two bytes: 0xFF and then one from 0xE2 to 0xFD, where the second bytes of all acceptable headers lie. One byte
-/// behind the last position is read.
+/// How many of the positions, in whole blocks from the first one on, cannot begin a header going by their
+/// first two bytes: 0xFF and then one from 0xE2 to 0xFD, where the second bytes of all acceptable headers
+/// lie. One byte behind the last position is read.
 SONARIN_ALSO_FOR_AVX2 std::size_t headerlessRun(const std::uint8_t* bytes, std::size_t positions) {
     std::size_t run = 0;
     for (; positions - run >= searchBlock; run += searchBlock) {

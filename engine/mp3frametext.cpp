@@ -12,7 +12,8 @@ namespace sonarin {
 
 namespace {
 
-/// A range of the file, decoded out of the cache's buffer piece by piece: a long text costs its own memory only.
+/// A range of the file, decoded out of the cache's buffer piece by piece: a long text costs its own memory
+/// only.
 class FileBytes final : public SvxByteSource {
 public:
     FileBytes(rcCacheRec* cache, std::uint64_t offset, std::uint64_t size) noexcept
@@ -33,8 +34,8 @@ private:
     std::uint64_t size_;
 };
 
-/// Recognises a frame text's encoding by its bytes, R[0] to R[n - 1] in the comments; the encoding byte before
-/// them is often wrong.
+/// Recognises a frame text's encoding by its bytes, R[0] to R[n - 1] in the comments; the encoding byte
+/// before them is often wrong.
 class FrameText {
 public:
     FrameText(rcCacheRec* cache, std::uint64_t offset, std::uint32_t count) noexcept
@@ -123,8 +124,8 @@ bool isOwnCommentOfITunes(const SvxStringRef& text) {
         return false;
     }
     static const std::array<SvxStringRef, 4> markers = {
-        SvxStringFromCString("iTunNORM"), SvxStringFromCString("iTunes_CDDB"), SvxStringFromCString("iTunSMPB"),
-        SvxStringFromCString("iTunPGAP")};
+        SvxStringFromCString("iTunNORM"), SvxStringFromCString("iTunes_CDDB"),
+        SvxStringFromCString("iTunSMPB"), SvxStringFromCString("iTunPGAP")};
     return std::any_of(markers.begin(), markers.end(),
                        [&](const SvxStringRef& marker) { return SvxStringContains(text, marker, false); });
 }

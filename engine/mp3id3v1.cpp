@@ -49,7 +49,7 @@ void mp3ReadV1Tag(audioTags* record, rcCacheRec* cache, std::uint64_t fileSize) 
 
     const SvxStringRef year = SvxStringFromCString(asCharacters(ByteView(block).subspan(93, 4)));
     record->mp3Year = static_cast<std::uint16_t>(SvxStringGetIntValue(year));
-    record->mp3Genre = static_cast<std::int8_t>(block[127]);
+    record->mp3Genre = static_cast<std::int8_t>(block[127]); // NOLINT(*-signed-char-misuse)
     record->mp3Genre2String = mp3LoadGenreString(record->mp3Genre + 1);
 }
 

@@ -21,12 +21,14 @@ enum class FrameKind { text, track, year, picture };
 
 /// What a frame's content is and where it goes.
 struct FrameRule {
-    std::uint32_t id; ///< as read: 24 bits in version 2, 32 bits later
-    FrameKind kind;
+    std::uint32_t id = 0; ///< as read: 24 bits in version 2, 32 bits later
+    FrameKind kind = FrameKind::text;
     SvxStringRef audioTags::*field = nullptr; ///< for texts
 };
 
-constexpr std::uint32_t id2(const std::uint32_t paddedCode) { return paddedCode >> 8U; }
+constexpr std::uint32_t id2(const std::uint32_t paddedCode) {
+    return paddedCode >> 8U;
+}
 
 constexpr std::array<FrameRule, 12> version2Rules = {{
     {id2(fourCC("TT2 ")), FrameKind::text, &audioTags::mp3SongTitleString},
@@ -70,7 +72,7 @@ constexpr FrameLayout version3Layout = {10, 4, version3Rules};
 
 struct Frame {
     std::uint32_t id = 0;
-    std::uint32_t size = 0;    ///< of its data; plain big-endian, in version 4 too, whose definition differs
+    std::uint32_t size = 0; ///< of its data; plain big-endian, in version 4 too, whose definition differs
     std::uint64_t dataPosition = 0;
 };
 
@@ -143,7 +145,8 @@ private:
     rcCacheRec* cache_;
 };
 
-/// Replaces a reference such as "(17)" or "(17)Rock" by the name of that genre; anything else, "(0)" too, stays.
+/// Replaces a reference such as "(17)" or "(17)Rock" by the name of that genre; anything else, "(0)" too,
+/// stays.
 void resolveGenreReference(SvxStringRef* genre) {
     if (SvxStringGetLength(*genre) < 3 || !SvxStringBeginsWithCString(*genre, "(", true)) {
         return;
@@ -209,8 +212,9 @@ void mp3DecodeTrackInfo(const SvxStringRef& text, std::uint16_t* track, std::uin
 SvxStringRef mp3LoadGenreString(std::int32_t number) noexcept {
     constexpr std::int16_t genreTable = 513;
     constexpr std::int32_t genres = 126;
-    return number >= 1 && number <= genres ? SvxStringGetFromTable(genreTable, static_cast<std::int16_t>(number))
-                                           : nullptr;
+    return number >= 1 && number <= genres
+               ? SvxStringGetFromTable(genreTable, static_cast<std::int16_t>(number))
+               : nullptr;
 }
 
 } // namespace sonarin

@@ -61,15 +61,15 @@ void storeAverages(std::uint32_t frames, std::uint64_t bytes, audioTags* record)
     constexpr double largest = 4294967295.0;
     const float frameLength = static_cast<float>(bytes) / static_cast<float>(frames);
     const float rate = static_cast<float>(record->mp3SamplingRate) * frameLength;
-    record->mp3BitRate =
-        static_cast<std::uint32_t>(std::clamp(static_cast<double>(rate) / bitsPerKilobitTimesSamples, 0.0, largest));
+    record->mp3BitRate = static_cast<std::uint32_t>(
+        std::clamp(static_cast<double>(rate) / bitsPerKilobitTimesSamples, 0.0, largest));
     const std::uint16_t seconds = durationAt(record->mp3BitRate, bytes);
     record->mp3SongLen = static_cast<std::uint16_t>(seconds != 0 ? seconds - 1 : 0);
     record->mp3HasVBR = 1;
 }
 
-/// Reads the ID3v2 tag at the file's start, if there is one, and moves `*position` behind it. True when it gave
-/// text that makes the ID3v1 block superfluous.
+/// Reads the ID3v2 tag at the file's start, if there is one, and moves `*position` behind it. True when it
+/// gave text that makes the ID3v1 block superfluous.
 bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, ByteView start, audioTags* record) {
     if (bigEndian24(start) != (fourCC("ID3 ") >> 8U)) {
         return false;

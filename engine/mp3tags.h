@@ -14,8 +14,8 @@ namespace sonarin {
 /// holds none, in which case tags read before that stay in the record.
 [[nodiscard]] std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record) noexcept;
 
-/// Reads the ID3v2 tag at `*position`, whose "ID3" the caller has seen, and moves `*position` to the tag's end.
-/// Answers the result of the last cache read.
+/// Reads the ID3v2 tag at `*position`, whose "ID3" the caller has seen, and moves `*position` to the tag's
+/// end. Answers the result of the last cache read.
 std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRec* cache) noexcept;
 
 /// Fills the record from the ID3v1 block in the last 128 bytes of the file, if there is one.
@@ -27,15 +27,15 @@ void mp3DecodeTrackInfo(const SvxStringRef& text, std::uint16_t* track, std::uin
 /// The genre table's entry `number` (1 to 126: ID3v1 code + 1); absent for any other number.
 [[nodiscard]] SvxStringRef mp3LoadGenreString(std::int32_t number) noexcept;
 
-/// Decodes the text of one frame: the `count` bytes at `offset`, which for an ID3v2 frame are those behind its
-/// encoding byte and one more. The text is stored in `*field` or joined to the text there after a blank; when
-/// there is none, `*field` stays as it was.
+/// Decodes the text of one frame: the `count` bytes at `offset`, which for an ID3v2 frame are those behind
+/// its encoding byte and one more. The text is stored in `*field` or joined to the text there after a blank;
+/// when there is none, `*field` stays as it was.
 void mp3ReadSvxStringFromFile(rcCacheRec* cache, std::uint64_t offset, std::uint32_t count,
                               SvxStringRef* field) noexcept;
 
-/// Stores the picture of one frame, whose `count` bytes at `offset` are as above, in the record. 0 when one was
-/// stored, -1 for fewer than 100 bytes, -2 when the bytes cannot be read or hold no start of a picture; the
-/// record is then unchanged.
+/// Stores the picture of one frame, whose `count` bytes at `offset` are as above, in the record. 0 when one
+/// was stored, -1 for fewer than 100 bytes, -2 when the bytes cannot be read or hold no start of a picture;
+/// the record is then unchanged.
 std::int32_t mp3ReadCoverArt(audioTags* record, std::uint64_t offset, std::uint32_t count,
                              rcCacheRec* cache) noexcept;
 

@@ -62,7 +62,8 @@ std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t s
         return result;
     }
     cache->bufferSize = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->eof, size));
-    cache->buffer.reset(new (std::nothrow) std::uint8_t[cache->bufferSize]); // not zeroed: it is filled at once
+    cache->buffer.reset(new (std::nothrow)
+                            std::uint8_t[cache->bufferSize]); // not zeroed: it is filled at once
     if (!cache->buffer) {
         return fileMemFullErr;
     }
@@ -91,7 +92,8 @@ std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept
     const std::uint64_t left = position < cache->eof ? cache->eof - position : 0;
     cache->bufferPos = position;
     cache->validLength = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->bufferSize, left));
-    const std::int32_t result = feReadFromFile(cache->refNum, position, cache->validLength, cache->buffer.get());
+    const std::int32_t result =
+        feReadFromFile(cache->refNum, position, cache->validLength, cache->buffer.get());
     if (result != fileNoErr) {
         cache->validLength = 0;
     }

@@ -34,8 +34,9 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 /// fails. The buffer has `size` bytes, or the file's size when that is less, and is filled from position 0.
 [[nodiscard]] std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t size) noexcept;
 
-/// Copies `count` bytes at `position` to `destination`. More than the buffer holds goes straight from the file
-/// to the destination; anything else is served from the buffer, which on a miss is refilled from `position`.
+/// Copies `count` bytes at `position` to `destination`. More than the buffer holds goes straight from the
+/// file to the destination; anything else is served from the buffer, which on a miss is refilled from
+/// `position`.
 [[nodiscard]] std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
                                            void* destination) noexcept;
 
@@ -43,21 +44,23 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 [[nodiscard]] std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept;
 
 /// The bytes at `position` as they lie in the buffer: at least `count` of them (refilled as above on a miss),
-/// and all that the buffer holds behind them. Empty when they cannot be had or `count` exceeds the buffer. The
-/// view lives until the next operation on the cache.
-[[nodiscard]] ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) noexcept;
+/// and all that the buffer holds behind them. Empty when they cannot be had or `count` exceeds the buffer.
+/// The view lives until the next operation on the cache.
+[[nodiscard]] ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position,
+                                      std::uint32_t count) noexcept;
 
 /// Whether the file held `count` bytes at `position` when the cache was opened.
-[[nodiscard]] bool rcRangeIsInFile(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count) noexcept;
+[[nodiscard]] bool rcRangeIsInFile(const rcCacheRec& cache, std::uint64_t position,
+                                   std::uint64_t count) noexcept;
 
 /// Reads an unsigned integer of the given byte order into `*value`, which keeps its value on an error and for
 /// any byte order but the two.
-[[nodiscard]] std::int32_t rcReadUInt16FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
-                                                 std::uint16_t* value) noexcept;
-[[nodiscard]] std::int32_t rcReadUInt32FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
-                                                 std::uint32_t* value) noexcept;
-[[nodiscard]] std::int32_t rcReadUInt64FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
-                                                 std::uint64_t* value) noexcept;
+[[nodiscard]] std::int32_t rcReadUInt16FromCache(rcCacheRec* cache, std::uint64_t position,
+                                                 std::int32_t byteOrder, std::uint16_t* value) noexcept;
+[[nodiscard]] std::int32_t rcReadUInt32FromCache(rcCacheRec* cache, std::uint64_t position,
+                                                 std::int32_t byteOrder, std::uint32_t* value) noexcept;
+[[nodiscard]] std::int32_t rcReadUInt64FromCache(rcCacheRec* cache, std::uint64_t position,
+                                                 std::int32_t byteOrder, std::uint64_t* value) noexcept;
 
 /// Frees the buffer, clears the cache and closes the file; answers the result of closing.
 std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept;

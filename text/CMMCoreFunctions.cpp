@@ -42,6 +42,8 @@ void utMakeHFSStringFromCFString(const SvxStringRef& text, HFSUniStr255* name) n
     }
 }
 
-void uCFRelease(SvxStringRef* text) noexcept { *text = nullptr; }
+void uCFRelease(SvxStringRef* text) noexcept {
+    *text = nullptr;
+}
 
 } // namespace sonarin

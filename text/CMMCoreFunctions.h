@@ -17,8 +17,8 @@ extern const StringBundle* gCFBundleRef;
 /// start-up.
 const StringBundle* initStringBundle(const char* bundleIdentifier) noexcept;
 
-/// The localized text under the key "STR#table:index" of the strings table "Localizable". A missing key, and a
-/// missing bundle, answer the key itself.
+/// The localized text under the key "STR#table:index" of the strings table "Localizable". A missing key, and
+/// a missing bundle, answer the key itself.
 [[nodiscard]] SvxStringRef iuGetIndCFString(std::int16_t table, std::int16_t index) noexcept;
 /// The same under the name that the engine uses.
 [[nodiscard]] SvxStringRef SvxStringGetFromTable(std::int16_t table, std::int16_t index) noexcept;

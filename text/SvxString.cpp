@@ -18,10 +18,11 @@ std::size_t blockSize(std::size_t units, bool wide) {
 
 } // namespace
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): it is realloc that lets a long text grow without a second copy
+
 SvxString* SvxString::allocate(std::size_t count, bool wide) noexcept {
     const std::size_t size = blockSize(count, wide);
-    // malloc, because it is realloc that lets a long text grow without a second copy of it.
-    void* block = size != 0 ? std::malloc(size) : nullptr; // NOLINT(*-no-malloc,*-owning-memory)
+    void* block = size != 0 ? std::malloc(size) : nullptr;
     if (block == nullptr) {
         return nullptr;
     }
@@ -32,7 +33,9 @@ SvxString* SvxString::allocate(std::size_t count, bool wide) noexcept {
     return text;
 }
 
-void SvxStringRef::destroy(SvxString* text) noexcept { std::free(text); } // NOLINT(*-no-malloc,*-owning-memory)
+void SvxStringRef::destroy(SvxString* text) noexcept {
+    std::free(text);
+}
 
 /// Makes the text one that only this reference holds, with room for `count` units of that width.
 bool SvxStringRef::makeRoom(std::size_t count, bool wide) noexcept {
@@ -46,7 +49,7 @@ bool SvxStringRef::makeRoom(std::size_t count, bool wide) noexcept {
         return false;
     }
     if (sole) {
-        void* grown = std::realloc(text_, size); // NOLINT(*-no-malloc,*-owning-memory)
+        void* grown = std::realloc(text_, size);
         if (grown == nullptr) {
             return false;
         }
@@ -69,6 +72,8 @@ bool SvxStringRef::makeRoom(std::size_t count, bool wide) noexcept {
     *this = std::move(copy);
     return true;
 }
+
+// NOLINTEND(cppcoreguidelines-no-malloc)
 
 bool SvxStringRef::appendAfterBlank(const SvxString& addition) noexcept {
     const std::size_t count = text_->count_ + 1 + addition.count_;

@@ -14,8 +14,12 @@ namespace sonarin {
 using SvxIndex = std::int64_t;
 
 /// The UTF-16 code unit that one stored element stands for.
-constexpr char16_t unitOf(char stored) noexcept { return static_cast<unsigned char>(stored); }
-constexpr char16_t unitOf(char16_t stored) noexcept { return stored; }
+constexpr char16_t unitOf(char stored) noexcept {
+    return static_cast<unsigned char>(stored);
+}
+constexpr char16_t unitOf(char16_t stored) noexcept {
+    return stored;
+}
 
 class SvxStringRef;
 
@@ -24,7 +28,7 @@ class SvxStringRef;
 /// A text whose units all lie below 0x100 keeps one byte for each ("narrow"), any other two ("wide"): most
 /// tag texts are narrow, and a lyrics frame of 200 MB then costs 200 MB. The units follow the object in the
 /// same block of memory, since dozens of texts are made for every file.
-class SvxString {
+class SvxString { // NOLINT(*-special-member-functions): only SvxStringRef makes and destroys texts
 public:
     SvxString(const SvxString&) = delete;
     SvxString& operator=(const SvxString&) = delete;
@@ -70,7 +74,12 @@ public:
     constexpr SvxStringRef(std::nullptr_t) noexcept {} // NOLINT(*-explicit-*): the absent value
     SvxStringRef(const SvxStringRef& other) noexcept : text_(other.text_) { retain(); }
     SvxStringRef(SvxStringRef&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
-    SvxStringRef& operator=(SvxStringRef other) noexcept {
+    SvxStringRef& operator=(const SvxStringRef& other) noexcept {
+        SvxStringRef copy(other);
+        std::swap(text_, copy.text_);
+        return *this;
+    }
+    SvxStringRef& operator=(SvxStringRef&& other) noexcept {
         std::swap(text_, other.text_);
         return *this;
     }
@@ -80,8 +89,8 @@ public:
     const SvxString& operator*() const noexcept { return *text_; }
     const SvxString* operator->() const noexcept { return text_; }
 
-    /// Adds one blank and `addition`. The storage of a text that nobody else holds grows in place, by doubling;
-    /// otherwise a new text is made. False when memory runs out, which changes nothing.
+    /// Adds one blank and `addition`. The storage of a text that nobody else holds grows in place, by
+    /// doubling; otherwise a new text is made. False when memory runs out, which changes nothing.
     bool appendAfterBlank(const SvxString& addition) noexcept;
 
 private:

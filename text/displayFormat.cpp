@@ -9,8 +9,8 @@
 #include <unicode/unistr.h>
 
 #include <array>
+#include <bit>
 #include <exception>
-#include <functional>
 #include <limits>
 #include <memory>
 
@@ -24,7 +24,7 @@ std::unique_ptr<icu::NumberFormat> gOneFractionDigitFormatter;
 /// Files in a row share their sampling rates, and the formatter takes longer than all else that is done for a
 /// file's panel: the last numbers are kept.
 struct FormattedNumber {
-    double value = 0;
+    std::uint64_t bits = 0; ///< of the number, so that 0 and -0 differ
     SvxStringRef text;
 };
 std::array<FormattedNumber, 16> recentNumbers;
@@ -67,11 +67,12 @@ SvxStringRef SvxMakeFloatingFractionString(double value) noexcept {
     if (!gOneFractionDigitFormatter) {
         return nullptr;
     }
-    FormattedNumber& known = recentNumbers[static_cast<std::size_t>(std::hash<double>{}(value) % recentNumbers.size())];
-    if (!known.text || known.value != value) {
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    FormattedNumber& known = recentNumbers.at((bits ^ (bits >> 32U)) % recentNumbers.size());
+    if (!known.text || known.bits != bits) {
         icu::UnicodeString text;
         gOneFractionDigitFormatter->format(value, text);
-        known = {value, SvxStringFromUTF16({text.getBuffer(), static_cast<std::size_t>(text.length())})};
+        known = {bits, SvxStringFromUTF16({text.getBuffer(), static_cast<std::size_t>(text.length())})};
     }
     return known.text;
 }
@@ -81,9 +82,9 @@ SvxStringRef SvxStringMakeSizeString(std::uint64_t bytes) noexcept {
     while (bytes / 1024 > unit->lastKibibytes) {
         ++unit;
     }
-    return SvxStringCreateWithFormat("%@%@",
-                                     {SvxMakeFloatingFractionString(static_cast<double>(bytes) * unit->factor),
-                                      iuGetIndCFString(sizeUnitTable, unit->textIndex)});
+    return SvxStringCreateWithFormat(
+        "%@%@", {SvxMakeFloatingFractionString(static_cast<double>(bytes) * unit->factor),
+                 iuGetIndCFString(sizeUnitTable, unit->textIndex)});
 }
 
 SvxStringRef SvxStringMakeDurationString(std::uint32_t seconds) noexcept {

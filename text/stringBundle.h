@@ -23,7 +23,8 @@ public:
     /// does not know the language.
     StringBundle(std::string folder, const std::string& language);
 
-    /// The text under `key` (ASCII) in the table, or `key` itself when the table lacks it. A table is read once.
+    /// The text under `key` (ASCII) in the table, or `key` itself when the table lacks it. A table is read
+    /// once.
     [[nodiscard]] SvxStringRef localizedString(std::string_view key, std::string_view table) const noexcept;
 
     /// Where the bundle's other resources lie.

@@ -37,7 +37,9 @@ SvxStringRef copyOf(Units units) {
 }
 
 /// Keeps wide units only where they are needed.
-SvxStringRef makeText(std::string_view narrow) { return copyOf<char>(narrow); }
+SvxStringRef makeText(std::string_view narrow) {
+    return copyOf<char>(narrow);
+}
 
 SvxStringRef makeText(std::u16string_view wide) {
     const bool narrow = std::all_of(wide.begin(), wide.end(), [](char16_t unit) { return unit <= 0xFF; });
@@ -46,7 +48,8 @@ SvxStringRef makeText(std::u16string_view wide) {
 
 /// The tests with a needle in Mac OS Roman. An ASCII one, the usual kind, needs no decoding.
 template <class Test>
-bool testWithCString(const SvxStringRef& text, std::string_view needle, bool caseSensitive, Test test) noexcept {
+bool testWithCString(const SvxStringRef& text, std::string_view needle, bool caseSensitive,
+                     Test test) noexcept {
     try {
         const bool isAscii = asciiRun(needle) == needle.size();
         const SvxStringRef decoded = isAscii ? makeText(needle) : SvxStringFromCString(needle);
@@ -97,8 +100,12 @@ std::optional<std::size_t> utf8Size(const SvxString& text) {
     });
 }
 
-bool isWhiteSpace(char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r'); }
-bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+bool isWhiteSpace(char16_t unit) {
+    return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
+}
+bool isDigit(char16_t unit) {
+    return unit >= u'0' && unit <= u'9';
+}
 
 template <class Units>
 std::int32_t leadingInteger(Units units) {
@@ -116,7 +123,8 @@ std::int32_t leadingInteger(Units units) {
     for (; isDigit(unit()); ++i) {
         value = std::min<std::int64_t>(value * 10 + (unit() - u'0'), std::int64_t{Limits::max()} + 1);
     }
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(negative ? -value : value, Limits::min(), Limits::max()));
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(negative ? -value : value, Limits::min(), Limits::max()));
 }
 
 std::size_t placeholderLength(std::string_view format) {
@@ -187,7 +195,8 @@ void appendForURL(CodePoint character, std::string& escaped) {
         escaped += static_cast<char>(character);
         return;
     }
-    for (const char stored : encodeUtf8(isSurrogate(character) ? replacementCharacter : character).view()) {
+    const Utf8Character encoded = encodeUtf8(isSurrogate(character) ? replacementCharacter : character);
+    for (const char stored : encoded.view()) {
         const auto byte = static_cast<unsigned char>(stored);
         escaped += {'%', hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
     }
@@ -195,11 +204,17 @@ void appendForURL(CodePoint character, std::string& escaped) {
 
 } // namespace
 
-SvxStringRef SvxStringGetEmpty() noexcept { return nullptr; }
+SvxStringRef SvxStringGetEmpty() noexcept {
+    return nullptr;
+}
 
-void SvxStringInvalidate(SvxStringRef* text) noexcept { *text = nullptr; }
+void SvxStringInvalidate(SvxStringRef* text) noexcept {
+    *text = nullptr;
+}
 
-bool SvxStringIsValid(const SvxStringRef& text) noexcept { return static_cast<bool>(text); }
+bool SvxStringIsValid(const SvxStringRef& text) noexcept {
+    return static_cast<bool>(text);
+}
 
 std::int32_t SvxStringRelease(SvxStringRef* text) noexcept {
     *text = nullptr;
@@ -221,7 +236,8 @@ SvxStringRef SvxStringFromUTF16(std::u16string_view units) noexcept {
     return makeText(units);
 }
 
-SvxStringRef SvxStringCreateWithSubstring(const SvxStringRef& text, SvxIndex start, SvxIndex length) noexcept {
+SvxStringRef SvxStringCreateWithSubstring(const SvxStringRef& text, SvxIndex start,
+                                          SvxIndex length) noexcept {
     if (!text || start < 0 || length < 0 || start > text->length() || length > text->length() - start) {
         return nullptr;
     }
@@ -231,8 +247,9 @@ SvxStringRef SvxStringCreateWithSubstring(const SvxStringRef& text, SvxIndex sta
 }
 
 SvxStringRef fourCharacterText(std::uint32_t code) noexcept {
-    const std::array<char, 4> characters = {static_cast<char>(code >> 24U), static_cast<char>(code >> 16U & 0xFFU),
-                                            static_cast<char>(code >> 8U & 0xFFU), static_cast<char>(code & 0xFFU)};
+    const std::array<char, 4> characters = {
+        static_cast<char>(code >> 24U), static_cast<char>(code >> 16U & 0xFFU),
+        static_cast<char>(code >> 8U & 0xFFU), static_cast<char>(code & 0xFFU)};
     return code == 0 ? nullptr : SvxStringFromCString({characters.data(), characters.size()});
 }
 
@@ -253,7 +270,9 @@ void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition)
     }
 }
 
-SvxIndex SvxStringGetLength(const SvxStringRef& text) noexcept { return text ? text->length() : 0; }
+SvxIndex SvxStringGetLength(const SvxStringRef& text) noexcept {
+    return text ? text->length() : 0;
+}
 
 char16_t SvxStringGetUniChar(const SvxStringRef& text, SvxIndex index) noexcept {
     return text && index >= 0 && index < text->length() ? text->unitAt(index) : u'\0';

@@ -45,8 +45,8 @@ std::int32_t SvxStringRelease(SvxStringRef* text) noexcept;
 
 /// A value for one placeholder of SvxStringCreateWithFormat.
 using SvxFormatValue = std::variant<SvxStringRef, std::int64_t, std::string_view>;
-/// Makes a text from an ASCII format: "%@" stands for a text (or an ASCII literal), "%i" and "%li" for a whole
-/// number in decimal. Values are taken in order; an absent text counts as empty.
+/// Makes a text from an ASCII format: "%@" stands for a text (or an ASCII literal), "%i" and "%li" for a
+/// whole number in decimal. Values are taken in order; an absent text counts as empty.
 [[nodiscard]] SvxStringRef SvxStringCreateWithFormat(std::string_view format,
                                                      std::initializer_list<SvxFormatValue> values) noexcept;
 
@@ -94,7 +94,8 @@ void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition)
 /// and its size to `*size`.
 void SvxStringCopyToUTF8(const SvxStringRef& text, char* destination, std::uint32_t* size) noexcept;
 /// The text percent-escaped for use as a value inside a URL: letters, digits and - _ . ! ~ * ' ( ) stand for
-/// themselves, all else is written as its UTF-8 bytes (a lone surrogate as U+FFFD). Absent gives the empty text.
+/// themselves, all else is written as its UTF-8 bytes (a lone surrogate as U+FFFD). Absent gives the empty
+/// text.
 [[nodiscard]] SvxStringRef SvxStringConvertToURL(const SvxStringRef& text) noexcept;
 
 } // namespace sonarin

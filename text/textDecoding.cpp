@@ -107,7 +107,8 @@ struct Utf8 {
     }
 
 private:
-    /// Hands out runs of ASCII and single other characters until the end or until `onCharacter` answers false.
+    /// Hands out runs of ASCII and single other characters until the end or until `onCharacter` answers
+    /// false.
     template <class OnAscii, class OnCharacter>
     static void forEachRun(std::string_view piece, OnAscii onAscii, OnCharacter onCharacter) {
         for (std::size_t i = 0; i < piece.size();) {
@@ -146,8 +147,8 @@ struct Utf16LittleEndian {
     }
 };
 
-/// Calls `onPiece` for the whole characters of one piece after the other; false as soon as it answers false or
-/// a piece cannot be had.
+/// Calls `onPiece` for the whole characters of one piece after the other; false as soon as it answers false
+/// or a piece cannot be had.
 template <class Encoding, class OnPiece>
 bool forEachPiece(SvxByteSource& source, std::uint64_t size, OnPiece onPiece) {
     for (std::uint64_t position = 0; position < size;) {

@@ -24,15 +24,15 @@ const icu::Normalizer2& normalizer(bool composing) {
 /// Whether no character before `character` can combine with it. Code points below U+0300 never combine
 /// backwards.
 bool startsCharacter(CodePoint character) {
-    return character < 0x300 || normalizer(true).hasBoundaryBefore(character);
+    return character < 0x300 || normalizer(true).hasBoundaryBefore(character) != 0;
 }
 
 // --- needles of plain ASCII -----------------------------------------------------------------------------
 //
 // Suffixes, markers and separators are ASCII, and most texts are too. A unit of the text then stands for one
-// unit of the needle at the most, so that the units can be compared one by one, without a normalized copy. The
-// exception are the characters that fold to several ASCII letters (ß and the ligatures of U+FB00 to U+FB06):
-// a needle that one of them could match takes the general road.
+// unit of the needle at the most, so that the units can be compared one by one, without a normalized copy.
+// The exception are the characters that fold to several ASCII letters (ß and the ligatures of U+FB00 to
+// U+FB06): a needle that one of them could match takes the general road.
 
 /// Whether two letters are what one such character folds to, or its beginning.
 constexpr bool isFoldedPair(char first, char second) {
@@ -70,7 +70,9 @@ constexpr NarrowFolding narrowFolding = [] {
 constexpr char16_t counterpart(char stored, bool caseSensitive) {
     return caseSensitive ? unitOf(stored) : narrowFolding[unitOf(stored)];
 }
-char16_t counterpart(char16_t stored, bool caseSensitive) { return asciiCounterpart(stored, caseSensitive); }
+char16_t counterpart(char16_t stored, bool caseSensitive) {
+    return asciiCounterpart(stored, caseSensitive);
+}
 
 template <class Units>
 bool matchesAt(Units units, std::size_t at, std::string_view needle, bool caseSensitive) {
@@ -89,7 +91,8 @@ bool matchesAt(Units units, std::size_t at, std::string_view needle, bool caseSe
 /// Horspool's search: where the unit under the needle's last place does not occur in the needle, the needle
 /// moves on by its whole length.
 template <class Units>
-std::optional<SvxIndex> findPlain(Units units, std::string_view needle, std::size_t start, bool caseSensitive) {
+std::optional<SvxIndex> findPlain(Units units, std::string_view needle, std::size_t start,
+                                  bool caseSensitive) {
     constexpr std::size_t longestShift = 0xFF;
     if (units.size() - start < needle.size()) {
         return std::nullopt;
@@ -160,9 +163,9 @@ std::u16string wideCopy(const SvxString& text, SvxIndex start) {
 }
 
 bool isBoundary(const Comparable& text, std::size_t folded) {
-    const auto found =
-        std::lower_bound(text.boundaries.begin(), text.boundaries.end(), folded,
-                         [](const Comparable::Boundary& boundary, std::size_t value) { return boundary.folded < value; });
+    const auto found = std::lower_bound(
+        text.boundaries.begin(), text.boundaries.end(), folded,
+        [](const Comparable::Boundary& boundary, std::size_t value) { return boundary.folded < value; });
     return found != text.boundaries.end() && found->folded == folded;
 }
 
@@ -211,9 +214,8 @@ std::optional<SvxIndex> findText(const SvxString& text, const SvxString& needle,
     if (plain.empty()) {
         return findGeneral(text, needle, start, caseSensitive);
     }
-    return text.visit([&](auto units) {
-        return findPlain(units, plain, static_cast<std::size_t>(start), caseSensitive);
-    });
+    return text.visit(
+        [&](auto units) { return findPlain(units, plain, static_cast<std::size_t>(start), caseSensitive); });
 }
 
 bool matchesAtStart(const SvxString& text, const SvxString& needle, bool caseSensitive) {
@@ -243,7 +245,8 @@ bool matchesAtEnd(const SvxString& text, const SvxString& needle, bool caseSensi
         return isBoundary(haystack, at) && matchesAt(haystack, at, wanted);
     }
     return text.visit([&](auto units) {
-        return units.size() >= plain.size() && matchesAt(units, units.size() - plain.size(), plain, caseSensitive);
+        return units.size() >= plain.size() &&
+               matchesAt(units, units.size() - plain.size(), plain, caseSensitive);
     });
 }
 

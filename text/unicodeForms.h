@@ -21,9 +21,15 @@ using CodePoint = std::int32_t;
 /// What decodeUtf8 answers for bytes that are not UTF-8.
 inline constexpr CodePoint malformed = -1;
 
-constexpr bool isLeadSurrogate(CodePoint unit) { return (unit & ~0x3FF) == 0xD800; }
-constexpr bool isTrailSurrogate(CodePoint unit) { return (unit & ~0x3FF) == 0xDC00; }
-constexpr bool isSurrogate(CodePoint unit) { return (unit & ~0x7FF) == 0xD800; }
+constexpr bool isLeadSurrogate(CodePoint unit) {
+    return (unit & ~0x3FF) == 0xD800;
+}
+constexpr bool isTrailSurrogate(CodePoint unit) {
+    return (unit & ~0x3FF) == 0xDC00;
+}
+constexpr bool isSurrogate(CodePoint unit) {
+    return (unit & ~0x7FF) == 0xD800;
+}
 constexpr CodePoint combineSurrogates(CodePoint lead, CodePoint trail) {
     return 0x10000 + ((lead - 0xD800) << 10) + (trail - 0xDC00);
 }
@@ -40,6 +46,7 @@ inline CodePoint decodeUtf8(std::string_view bytes, std::size_t* position) {
     return character;
 }
 
+// NOLINTBEGIN(readability-function-cognitive-complexity): the macros are written so
 /// The bytes without a sequence at the end that more bytes could complete. At most 2 GiB.
 inline std::string_view completeUtf8(std::string_view bytes) {
     const char* start = bytes.data();
@@ -47,6 +54,8 @@ inline std::string_view completeUtf8(std::string_view bytes) {
     U8_TRUNCATE_IF_INCOMPLETE(start, 0, length);
     return bytes.substr(0, static_cast<std::size_t>(length));
 }
+
+// NOLINTEND(readability-function-cognitive-complexity)
 
 struct Utf8Character {
     std::array<char, U8_MAX_LENGTH> bytes{};
@@ -83,8 +92,8 @@ inline CodePoint decodeUtf16(std::string_view narrow, std::size_t* position) {
     return unitOf(narrow[(*position)++]);
 }
 
-/// Calls `onCharacter` for each character of a text's stored elements, lone surrogates as they stand, until it
-/// answers false.
+/// Calls `onCharacter` for each character of a text's stored elements, lone surrogates as they stand, until
+/// it answers false.
 template <class Units, class OnCharacter>
 void forEachCharacter(Units units, OnCharacter onCharacter) {
     for (std::size_t i = 0; i < units.size();) {

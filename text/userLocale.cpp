@@ -8,7 +8,8 @@ namespace sonarin {
 
 namespace {
 
-/// The value of the first variable that counts, without codeset and modifier ("de_AT.UTF-8@euro" gives "de_AT").
+/// The value of the first variable that counts, without codeset and modifier ("de_AT.UTF-8@euro" gives
+/// "de_AT").
 std::string userLocale(const char* category) {
     for (const char* name : {"LC_ALL", category, "LANG"}) {
         // The program has one thread when it starts, which is when this is asked.
@@ -28,7 +29,9 @@ std::string userLocale(const char* category) {
 
 } // namespace
 
-std::string userNumberLocale() { return userLocale("LC_NUMERIC"); }
+std::string userNumberLocale() {
+    return userLocale("LC_NUMERIC");
+}
 
 std::string userLanguage() {
     const std::string locale = userLocale("LC_MESSAGES");

@@ -7,8 +7,8 @@
 /// machine: ICU knows them all.
 namespace sonarin {
 
-/// The locale that numbers are written in, as an ICU name such as "de_DE": the first of LC_ALL, LC_NUMERIC and
-/// LANG that is set and not empty. Without one, and for "C" and "POSIX", it is "en_US".
+/// The locale that numbers are written in, as an ICU name such as "de_DE": the first of LC_ALL, LC_NUMERIC
+/// and LANG that is set and not empty. Without one, and for "C" and "POSIX", it is "en_US".
 [[nodiscard]] std::string userNumberLocale();
 
 /// The language of the user's messages, such as "de": as above, with LC_MESSAGES for LC_NUMERIC. "en" without

@@ -8,7 +8,6 @@
 #include <exception>
 #include <optional>
 #include <span>
-
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -20,13 +19,17 @@ namespace {
 constexpr std::size_t finderInfoSize = 32;
 
 std::uint32_t bigEndian32(const std::uint8_t* bytes) {
-    return (std::uint32_t{bytes[0]} << 24U) | (std::uint32_t{bytes[1]} << 16U) | (std::uint32_t{bytes[2]} << 8U) |
-           bytes[3];
+    return (std::uint32_t{bytes[0]} << 24U) | (std::uint32_t{bytes[1]} << 16U) |
+           (std::uint32_t{bytes[2]} << 8U) | bytes[3];
 }
 
-std::uint32_t bigEndian16(const std::uint8_t* bytes) { return (std::uint32_t{bytes[0]} << 8U) | bytes[1]; }
+std::uint32_t bigEndian16(const std::uint8_t* bytes) {
+    return (std::uint32_t{bytes[0]} << 8U) | bytes[1];
+}
 
-bool holdsCode(const HostTypeCodes& codes) { return codes.type != 0 || codes.creator != 0; }
+bool holdsCode(const HostTypeCodes& codes) {
+    return codes.type != 0 || codes.creator != 0;
+}
 
 /// The first `Size` bytes of an extended attribute; nothing when it is missing or shorter.
 template <std::size_t Size>

@@ -29,8 +29,8 @@ private:
     int descriptor_ = -1;
 };
 
-/// Opens a file without ever waiting: a FIFO without a writer, or a device that is not ready, does not hold the
-/// program up. Never answers descriptor 0. Whether the item is a regular file is not looked at; an empty
+/// Opens a file without ever waiting: a FIFO without a writer, or a device that is not ready, does not hold
+/// the program up. Never answers descriptor 0. Whether the item is a regular file is not looked at; an empty
 /// descriptor means that it could not be opened (errno tells why).
 [[nodiscard]] FileDescriptor openWithoutWaiting(const std::string& path, bool writeAccess) noexcept;
 

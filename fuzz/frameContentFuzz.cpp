@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#include "engine/fileEngine.h"
+#include "engine/mp3tags.h"
+#include "engine/readCache.h"
+#include "fuzz/memoryFile.h"
+
+#include <utility>
+
+/// The texts and the picture of one frame. The first byte says how many bytes the frame claims beyond the
+/// end, the second how small the read buffer is, so that pieces end everywhere.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    using namespace sonarin;
+    if (size < 3) {
+        return 0;
+    }
+    startUp();
+    const MemoryFile file(bytes, size);
+    rcCacheRec cache;
+    const CacheCloser closer(cache);
+    const std::uint32_t bufferSize = 16 + bytes[1];
+    if (rcOpenCache(&cache, feOpenExistingDataFile(file.path(), 0), bufferSize) != fileNoErr) {
+        return 0;
+    }
+    const auto count = static_cast<std::uint32_t>(size - 2) + (bytes[0] == 0xFF ? 1U : 0U);
+    audioTags record;
+    for (int i = 0; i < 2; ++i) { // the second time joins
+        mp3ReadSvxStringFromFile(&cache, 2, count, &record.mp3CommentString);
+    }
+    mp3DecodeTrackInfo(record.mp3CommentString, &record.mp3TheTrack, &record.mp3TrackAmount);
+    mp3ReadCoverArt(&record, 2, count, &cache);
+    printRecord(file.path(), std::move(record));
+    return 0;
+}

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/testFolder.h"
+#include "text/CMMCoreFunctions.h"
+#include "text/displayFormat.h"
+#include "text/stringBundle.h"
+#include "text/stringEngine.h"
+#include "text/stringsFile.h"
+#include "text/userLocale.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <vector>
+
+namespace sonarin {
+
+namespace {
+
+TEST(Display, FormatsSizesAtTheirUnitBoundaries) {
+    struct Case {
+        std::uint64_t bytes;
+        const char* english;
+        const char* german;
+    };
+    const std::vector<Case> cases = {{0, "0.0 KB", "0,0 KB"},
+                                     {500, "0.5 KB", "0,5 KB"},
+                                     {1023, "1.0 KB", "1,0 KB"},
+                                     {1048576, "1,024.0 KB", "1.024,0 KB"},
+                                     {1049599, "1,025.0 KB", "1.025,0 KB"},
+                                     {1049600, "1.0 MB", "1,0 MB"},
+                                     {5000000, "4.8 MB", "4,8 MB"},
+                                     {1073742847, "1,024.0 MB", "1.024,0 MB"},
+                                     {1073742848, "1.0 GB", "1,0 GB"},
+                                     {1099511628799, "1,024.0 GB", "1.024,0 GB"},
+                                     {1099511628800, "1.0 TB", "1,0 TB"},
+                                     {~std::uint64_t{0}, "16,777,216.0 TB", "16.777.216,0 TB"}};
+    for (const Case& c : cases) {
+        startUpIn("en_US.UTF-8");
+        EXPECT_EQ(plain(SvxStringMakeSizeString(c.bytes)), c.english);
+        startUpIn("de_DE.UTF-8");
+        EXPECT_EQ(plain(SvxStringMakeSizeString(c.bytes)), c.german);
+    }
+    startUpIn("C");
+    EXPECT_EQ(plain(SvxMakeFloatingFractionString(0.25)), "0.2"); // half to even
+    EXPECT_EQ(plain(SvxMakeFloatingFractionString(0.75)), "0.8");
+    EXPECT_EQ(plain(SvxMakeFloatingFractionString(-0.0)), "-0.0");
+    EXPECT_EQ(plain(SvxMakeFloatingFractionString(0.0)), "0.0");
+}
+
+TEST(Display, FormatsDurations) {
+    struct Case {
+        std::uint32_t seconds;
+        const char* expected;
+    };
+    for (const Case& c : std::vector<Case>{{0, "0:00"},
+                                           {59, "0:59"},
+                                           {61, "1:01"},
+                                           {600, "10:00"},
+                                           {3600, "60:00"},
+                                           {3601, "1:00:01"},
+                                           {65535, "18:12:15"}}) {
+        EXPECT_EQ(plain(SvxStringMakeDurationString(c.seconds)), c.expected);
+    }
+    EXPECT_EQ(plain(SvxStringMakePaddedNumberString(9)), "09");
+    EXPECT_EQ(plain(SvxStringMakePaddedNumberString(123)), "123");
+}
+
+TEST(Display, FollowsTheLocaleVariables) {
+    unsetenv("LC_ALL");
+    unsetenv("LC_NUMERIC");
+    setenv("LANG", "fr_FR.UTF-8", 1);
+    EXPECT_EQ(userNumberLocale(), "fr_FR");
+    setenv("LC_NUMERIC", "de_AT.UTF-8@euro", 1);
+    EXPECT_EQ(userNumberLocale(), "de_AT");
+    EXPECT_EQ(userLanguage(), "fr");
+    setenv("LC_ALL", "C.UTF-8", 1);
+    EXPECT_EQ(userNumberLocale(), "en_US");
+    setenv("LC_ALL", "", 1);
+    EXPECT_EQ(userNumberLocale(), "de_AT");
+}
+
+TEST(LocalizedStrings, AreCompleteInEveryLanguage) {
+    startUpIn("C");
+    ASSERT_NE(gCFBundleRef, nullptr);
+    for (const std::string language : {"en", "de"}) {
+        const StringBundle bundle(gCFBundleRef->folder(), language);
+        for (int genre = 1; genre <= 126; ++genre) {
+            const std::string key = "STR#513:" + std::to_string(genre);
+            EXPECT_NE(plain(bundle.localizedString(key, "Localizable")), key) << language;
+        }
+        EXPECT_EQ(plain(bundle.localizedString("STR#1001:46", "Localizable")), " KB");
+        EXPECT_EQ(plain(bundle.localizedString("STR#1001:47", "Localizable")), "STR#1001:47");
+        EXPECT_EQ(plain(bundle.localizedString("STR#1001:46", "NoSuchTable")), "STR#1001:46");
+    }
+    const StringBundle german(gCFBundleRef->folder(), "de");
+    EXPECT_EQ(plain(german.localizedString("STR#513:33", "Localizable")), "Klassik");
+    const StringBundle unknown(gCFBundleRef->folder(), "xx");
+    EXPECT_EQ(plain(unknown.localizedString("STR#513:33", "Localizable")), "Classical");
+    EXPECT_EQ(plain(iuGetIndCFString(513, -1)), "STR#513:-1");
+    EXPECT_EQ(plain(SvxStringGetFromTable(513, 18)), "Rock");
+}
+
+TEST(LocalizedStrings, ParseTheirSyntax) {
+    using Entries = std::vector<std::pair<std::string, std::string>>;
+    EXPECT_EQ(
+        parseStringsFile("/* a */ \"k\" = \"v\"; // b\n\"q\\\"\" = \"\\n\\t\\\\ \\U00e9\\Ud83c\\Udfb5\";"),
+        (Entries{{"k", "v"}, {"q\"", "\n\t\\ é🎵"}}));
+    for (const char* broken : {"\"k\" = \"v\"", "\"k\" \"v\";", "\"k\" = \"\\Ud83c\";", "\"k", "\\", "/* "}) {
+        EXPECT_TRUE(parseStringsFile(broken).empty()) << broken;
+    }
+}
+
+TEST(HFSNames, AreCutAt255Units) {
+    HFSUniStr255 name;
+    utMakeHFSStringFromCFString(text(std::string(254, 'a') + "🎵"), &name);
+    EXPECT_EQ(name.length, 255);
+    EXPECT_EQ(name.unicode[254], 0xD83C);
+    utMakeHFSStringFromCFString(SvxStringGetEmpty(), &name);
+    EXPECT_EQ(name.length, 0);
+}
+
+} // namespace
+
+} // namespace sonarin

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+#include "engine/fileEngine.h"
+#include "engine/readCache.h"
+#include "tests/support/testFolder.h"
+#include "text/stringEngine.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace sonarin {
+
+namespace {
+
+std::string countedBytes(std::size_t size) {
+    std::string content(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) {
+        content[i] = static_cast<char>(i % 251);
+    }
+    return content;
+}
+
+/// A cache over a file of the test's own.
+class CacheTest : public testing::Test {
+protected:
+    std::int32_t open(const std::string& content, std::uint32_t size = rcStandardBufferSize) {
+        path_ = folder_.write("file", content);
+        return rcOpenCache(&cache, feOpenExistingDataFile(feMakePathText(path_), 0), size);
+    }
+    void TearDown() override { rcCloseCacheAndFile(&cache); }
+
+    std::string path_;
+    TestFolder folder_;
+    rcCacheRec cache;
+    std::array<char, 200> out{};
+};
+
+TEST_F(CacheTest, ServesReadsUpToTheFilesEnd) {
+    ASSERT_EQ(open(countedBytes(1000)), 0);
+    EXPECT_EQ(cache.bufferSize, 1000U);
+    EXPECT_EQ(rcReadFromCache(&cache, 996, 4, out.data()), 0);
+    EXPECT_EQ(out[3], static_cast<char>(999 % 251));
+    EXPECT_EQ(cache.bufferPos, 0U);
+    EXPECT_EQ(rcReadFromCache(&cache, 998, 4, out.data()), fileEofErr);
+    EXPECT_EQ(cache.bufferPos, 998U);
+    EXPECT_EQ(cache.validLength, 2U);
+    EXPECT_EQ(rcReadFromCache(&cache, 1000, 0, out.data()), 0);
+    EXPECT_EQ(rcReadFromCache(&cache, ~std::uint64_t{0} - 1, 4, out.data()), fileEofErr);
+    EXPECT_EQ(rcReadFromCache(&cache, 0, 4, out.data()), 0);
+    EXPECT_EQ(rcCloseCacheAndFile(&cache), 0);
+    EXPECT_EQ(rcReadFromCache(&cache, 0, 4, out.data()), fileMemFullErr);
+    EXPECT_EQ(rcReadIntoCache(&cache, 0), fileMemFullErr);
+}
+
+TEST_F(CacheTest, RefillsAtTheMissAndBypassesForMore) {
+    const std::string content = countedBytes(1000);
+    ASSERT_EQ(open(content, 100), 0);
+    EXPECT_EQ(rcReadFromCache(&cache, 98, 4, out.data()), 0); // starts inside, ends beyond
+    EXPECT_EQ(cache.bufferPos, 98U);
+    EXPECT_EQ(rcReadFromCache(&cache, 300, 100, out.data()), 0); // exactly the buffer
+    EXPECT_EQ(cache.bufferPos, 300U);
+    EXPECT_EQ(rcReadFromCache(&cache, 500, 101, out.data()), 0); // one more
+    EXPECT_EQ(cache.bufferPos, 300U);
+    EXPECT_EQ(std::string(out.data(), 101), content.substr(500, 101));
+    EXPECT_EQ(rcReadFromCache(&cache, 950, 101, out.data()), fileEofErr);
+    EXPECT_EQ(rcBytesInCache(&cache, 380, 10).size(), 20U);
+    EXPECT_TRUE(rcBytesInCache(&cache, 995, 6).empty());
+}
+
+TEST_F(CacheTest, ReadsIntegersInBothOrders) {
+    ASSERT_EQ(open("RIFF\1\2\3\4"), 0);
+    std::uint16_t two = 0;
+    std::uint32_t four = 0;
+    std::uint64_t eight = 0;
+    EXPECT_EQ(rcReadUInt32FromCache(&cache, 0, rcByteOrderBig, &four), 0);
+    EXPECT_EQ(four, 0x52494646U);
+    EXPECT_EQ(rcReadUInt32FromCache(&cache, 0, rcByteOrderLittle, &four), 0);
+    EXPECT_EQ(four, 0x46464952U);
+    EXPECT_EQ(rcReadUInt32FromCache(&cache, 4, 0, &four), 0);
+    EXPECT_EQ(four, 0x46464952U);
+    EXPECT_EQ(rcReadUInt32FromCache(&cache, 5, rcByteOrderBig, &four), fileEofErr);
+    EXPECT_EQ(rcReadUInt16FromCache(&cache, 4, rcByteOrderLittle, &two), 0);
+    EXPECT_EQ(two, 0x0201U);
+    EXPECT_EQ(rcReadUInt64FromCache(&cache, 0, rcByteOrderBig, &eight), 0);
+    EXPECT_EQ(eight, 0x5249464601020304U);
+}
+
+TEST_F(CacheTest, KnowsEmptyAndShrinkingFiles) {
+    ASSERT_EQ(open(""), 0);
+    EXPECT_EQ(rcReadFromCache(&cache, 0, 1, out.data()), fileEofErr);
+    rcCloseCacheAndFile(&cache);
+
+    ASSERT_EQ(open(countedBytes(1000), 100), 0);
+    ASSERT_EQ(truncate(path_.c_str(), 200), 0);
+    EXPECT_EQ(rcReadFromCache(&cache, 600, 4, out.data()), fileEofErr);
+    EXPECT_EQ(cache.validLength, 0U);
+    EXPECT_EQ(rcReadFromCache(&cache, 150, 50, out.data()), fileEofErr); // its refill no longer fits
+}
+
+TEST_F(CacheTest, ReadsBeyondFourGibibytes) {
+    ASSERT_EQ(open(""), 0);
+    rcCloseCacheAndFile(&cache);
+    const std::uint64_t far = (std::uint64_t{5} << 30U) + 3;
+    ASSERT_EQ(truncate(path_.c_str(), static_cast<off_t>(far)), 0);
+    std::filesystem::resize_file(path_, far + 4);
+    ASSERT_EQ(rcOpenCache(&cache, feOpenExistingDataFile(feMakePathText(path_), 0), 100), 0);
+    EXPECT_EQ(rcReadFromCache(&cache, far, 4, out.data()), 0);
+    EXPECT_EQ(rcReadFromCache(&cache, far + 1, 4, out.data()), fileEofErr);
+}
+
+TEST(Files, AreOpenedOnlyWhenTheyAreFiles) {
+    const TestFolder folder;
+    ASSERT_EQ(mkfifo(folder.path("fifo.mp3").c_str(), 0600), 0);
+    std::uint64_t size = 0;
+    for (const std::string& path : {folder.path("fifo.mp3"), folder.path(""), std::string("/dev/zero")}) {
+        const std::int32_t refNum = feOpenExistingDataFile(text(path), 0); // does not wait for a writer
+        ASSERT_NE(refNum, 0);
+        EXPECT_EQ(feGetEOF(refNum, &size), -EINVAL);
+        feCloseFile(refNum);
+    }
+    EXPECT_EQ(feOpenExistingDataFile(text(folder.path("missing")), 0), 0);
+    EXPECT_EQ(feOpenExistingDataFile(text(""), 0), 0);
+    EXPECT_EQ(feOpenExistingDataFile(SvxStringGetEmpty(), 0), 0);
+}
+
+TEST(Files, NeverGetNumberZero) {
+    const TestFolder folder;
+    const SvxStringRef path = text(folder.write("file", "x"));
+    const int standardInput = dup(0);
+    close(0);
+    const std::int32_t refNum = feOpenExistingDataFile(path, 0);
+    EXPECT_GT(refNum, 0);
+    feCloseFile(refNum);
+    dup2(standardInput, 0);
+    close(standardInput);
+}
+
+TEST(Paths, ComeBackAsTheyWere) {
+    for (const std::string path :
+         {"/a/b.mp3", "/ä/日本/🎵.mp3", "/\xFF\xE9/\xC3.mp3", "\xED\xA0\x80", "\xEF\xBB\xBF"}) {
+        FSRef ref;
+        EXPECT_EQ(feMakeFSRefFromPath(feMakePathText(path), &ref), 0);
+        EXPECT_EQ(ref.path, path);
+    }
+    FSRef ref;
+    EXPECT_EQ(feMakeFSRefFromPath(SvxStringFromUTF16(u"a\xD800"), &ref), -ENOENT);
+    EXPECT_EQ(feMakeFSRefFromPath(SvxStringFromUTF8(std::string("a\0b", 3)), &ref), -ENOENT);
+}
+
+TEST(Paths, HaveALastComponent) {
+    for (const auto& [path, name] : std::vector<std::pair<std::string, std::string>>{
+             {"/a/b.mp3", "b.mp3"}, {"b", "b"}, {"/a/b//", "b"}, {"/", "/"}, {"//", "/"}, {"", ""}}) {
+        EXPECT_EQ(plain(feLastPathComponent(text(path))), name) << path;
+    }
+}
+
+} // namespace
+
+} // namespace sonarin

@@ -1,0 +1,281 @@
+# SPDX-License-Identifier: MIT
+"""sonarin-info as a user runs it, on files made by real encoders and taggers."""
+
+import json
+import os
+import pathlib
+import pty
+import subprocess
+import tempfile
+import time
+import unittest
+
+from mutagen import id3, mp3
+
+INFO = os.environ["SONARIN_INFO"]
+SAMPLE = pathlib.Path(os.environ["SAMPLES"]) / "sample.mp3"
+CONTROLS = bytes(range(0x20)) + b"\x7f"
+
+
+def run(*arguments, locale="C", **options):
+    environment = dict(os.environ, LC_ALL=locale, TERM="xterm")
+    return subprocess.run([INFO, *arguments], capture_output=True, env=environment, timeout=60, **options)
+
+
+def read_json(*paths, locale="C"):
+    """One object per path, whatever became of it."""
+    lines = run("--json", *paths, locale=locale).stdout.split(b"\n")
+    assert lines.pop() == b""
+    return [json.loads(line) for line in lines]
+
+
+class Folder(unittest.TestCase):
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = pathlib.Path(scratch.name)
+
+    def write(self, name, content):
+        path = self.folder / name
+        path.write_bytes(content)
+        return path
+
+    def sound(self, seconds=3, rate=44100, channels=2):
+        path = self.folder / "sound.wav"
+        subprocess.run(["sox", "-n", "-r", str(rate), "-c", str(channels), "-b", "16", path,
+                        "synth", str(seconds), "sine", "440", "gain", "-6"], check=True)
+        return path
+
+    def encoded(self, name, *command, **sound):
+        path = self.folder / name
+        subprocess.run([*command, self.sound(**sound), path], check=True, capture_output=True)
+        return path
+
+
+class RealFiles(Folder):
+    def test_encoders_and_what_another_reader_says(self):
+        cases = [
+            (["lame", "-b", "160"], {}, 0, " Joint Stereo"),
+            (["lame", "-m", "s", "-b", "192"], {}, 0, "Stereo"),
+            (["lame", "-m", "m", "-b", "64"], {"channels": 1}, 0, "Mono"),
+            (["lame", "-V", "2"], {}, 1, None),
+            (["lame", "-V", "4"], {"rate": 22050, "channels": 1}, 1, "Mono"),
+            (["lame", "-b", "32"], {"rate": 11025}, 0, None),
+            (["twolame", "-b", "256"], {"rate": 48000}, 0, "Stereo"),
+        ]
+        for command, sound, vbr, channels in cases:
+            with self.subTest(command=command, sound=sound):
+                path = self.encoded("x.mp3", *command, **sound)
+                theirs = mp3.MP3(path).info
+                [ours] = read_json(path)
+                record = ours["record"]
+                self.assertEqual(ours["result"], 0)
+                self.assertEqual(record["mp3SamplingRate"], theirs.sample_rate)
+                self.assertEqual(record["mp3HasVBR"], vbr)
+                self.assertEqual({3: 1, 2: 2}[theirs.layer], record["mp3Layer"])
+                self.assertEqual({1: 3, 2: 2, 2.5: 0}[theirs.version], record["mp3Version"])
+                if channels:
+                    self.assertEqual(ours["panel"]["id3ChannelsField"], channels)
+                if not vbr:
+                    self.assertEqual(record["mp3BitRate"], round(theirs.bitrate / 1000))
+                    self.assertLessEqual(abs(record["mp3SongLen"] - theirs.length), 1)
+
+    def test_tags_by_a_real_tagger(self):
+        path = self.encoded("x.mp3", "lame", "-b", "128")
+        cover = b"\xff\xd8\xff\xe0" + bytes(50000)
+        for version, shown in ((3, "ID3v3"), (4, "ID3v4")):
+            tag = id3.ID3()
+            tag.add(id3.TIT2(encoding=1, text="Größe 日本"))
+            tag.add(id3.TPE1(encoding=0, text="Ann"))
+            tag.add(id3.TALB(encoding=0, text="Café"))  # Latin-1 beyond ASCII is not taken
+            tag.add(id3.TRCK(encoding=0, text="3/12"))
+            tag.add(id3.TYER(encoding=0, text="1999"))
+            tag.add(id3.TCON(encoding=0, text="(17)"))
+            tag.add(id3.COMM(encoding=0, lang="eng", desc="iTunNORM", text=" 0000"))
+            tag.add(id3.COMM(encoding=0, lang="eng", desc="", text="a comment"))
+            tag.add(id3.USLT(encoding=0, lang="eng", desc="", text="la\nla"))
+            tag.add(id3.APIC(encoding=0, mime="image/jpeg", type=3, desc="", data=cover))
+            tag.save(path, v2_version=version)
+            [found] = read_json(path)
+            record, panel = found["record"], found["panel"]
+            self.assertEqual(record["mp3SongTitleString"].rstrip("\0"), "Größe 日本")
+            self.assertEqual(record["mp3ArtistString"], "Ann")
+            self.assertIsNone(record["mp3AlbumString"])
+            self.assertEqual(record["mp3CommentString"], "a comment")
+            # A size of 128 and more is not read as version 4 writes it.
+            self.assertEqual(record["mp3CoverArtType"], "JPEG" if version == 3 else None)
+            self.assertEqual(panel["id3TagVersionField"], shown)
+            self.assertEqual(panel["id3TrackNumberField"], "3 of 12")
+            self.assertEqual(panel["lyricsText"], "la\nla")
+            self.assertEqual(panel["renamePopup"][2], "Rename to:   Ann - " + record["mp3SongTitleString"] + ".mp3")
+            self.assertTrue(panel["lyricsButton"] and panel["twitterButton"])
+            if version == 3:
+                self.assertEqual(record["mp3CoverArt"], len(cover) + 1)
+                self.assertEqual(run("--cover", "-", path).stdout[:-1], cover)
+
+    def test_the_sample_in_another_locale(self):
+        [found] = read_json(SAMPLE, locale="de_DE.UTF-8")
+        self.assertEqual(found["panel"]["id3BitrateEtcField"], "128 kbps  44,1 kHz")
+        self.assertEqual(found["panel"]["id3GenreField"], "Klassik")
+        [found] = read_json(SAMPLE, locale="POSIX")
+        self.assertEqual(found["panel"]["id3GenreField"], "Classical")
+
+
+class Output(Folder):
+    def titled(self, title, encoding=1):
+        tag = id3.ID3()
+        tag.add(id3.TIT2(encoding=encoding, text="x"))
+        path = self.write("t.mp3", SAMPLE.read_bytes())
+        tag.save(path, v2_version=3)
+        content = path.read_bytes()
+        frame = b"TIT2" + (len(title) + 1).to_bytes(4, "big") + b"\0\0\1" + title
+        header = b"ID3\3\0\0" + bytes(len(frame) + 20 >> shift & 127 for shift in (21, 14, 7, 0))
+        return self.write("t.mp3", header + frame + bytes(20) + content[content.index(b"\xff\xfb"):])
+
+    def test_json_is_valid_for_any_text(self):
+        title = "q\"\\/\0\x1b\x7f\x9b\n\t🎵\u2028".encode("utf-16-le") + b"\x00\xd8\x41\x00\x00\xdc"
+        path = self.titled(b"\xff\xfe" + title + b"\0\0")
+        line = run("--json", path).stdout
+        self.assertFalse(any(byte in line[:-1] for byte in CONTROLS))
+        self.assertIn(b"\\ud800A\\udc00", line)
+        expected = "q\"\\/\0\x1b\x7f\x9b\n\t🎵\u2028\ud800A\udc00\0"
+        self.assertEqual(json.loads(line)["record"]["mp3SongTitleString"], expected)
+
+    def test_text_cannot_steer_a_terminal(self):
+        path = self.titled("\ufeffA\x1b]0;x\x07\r\n\x9b31m\u202eB".encode("utf-16-le") + b"\0\0")
+        out = run(path).stdout
+        self.assertFalse(any(byte in out.replace(b"\n", b"") for byte in CONTROLS))
+        self.assertIn("Title     A\\x1B]0;x\\x07\\r\\n\\x9B31m\\u{202E}B\n".encode(), out)
+        self.assertNotIn(b"Rename", out)
+        self.assertTrue(out.startswith(b"Name      t.mp3\nSize      "))
+
+    def test_colour_is_for_terminals(self):
+        self.assertNotIn(b"\x1b", run(SAMPLE).stdout)
+        main, side = pty.openpty()
+        subprocess.run([INFO, SAMPLE], stdout=side, env=dict(os.environ, TERM="xterm"), check=True)
+        self.assertIn(b"\x1b[", os.read(main, 4096))
+        os.close(side)
+        os.close(main)
+
+    def test_failures_are_told_and_the_rest_goes_on(self):
+        folder = self.folder / "folder.mp3"
+        folder.mkdir()
+        fifo = self.folder / "fifo.mp3"
+        os.mkfifo(fifo)
+        tagged = self.write("tagged.mp3", SAMPLE.read_bytes()[:27800][:11100])
+        paths = [self.folder / "missing.mp3", folder, fifo, "/dev/zero", self.write("a.txt", b"x"),
+                 self.write("empty.mp3", b""), self.write("zero.mp3", bytes(100)), "", SAMPLE]
+        done = run("--json", *paths)
+        found = [json.loads(line) for line in done.stdout.splitlines()]
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual([f["type"] for f in found], [1, 1, 1, 0, 0, 1, 1, 0, 1])
+        self.assertEqual([f["result"] for f in found], [-1] * 8 + [0])
+        self.assertEqual([f["panel"]["fileSizeField"] for f in found[:4]], ["n.a."] * 4)
+        causes = done.stderr.decode().splitlines()
+        self.assertEqual(len(causes), 8)
+        for path, cause, word in zip(paths, causes, ("No such file", "directory", "regular", "regular", "audio file",
+                                                     "empty", "frame", "No such file")):
+            self.assertIn(f"{path}: ", cause)
+            self.assertIn(word, cause)
+        # A reader that fails midway keeps what it has, and the menus go by that.
+        [found] = read_json(tagged)
+        self.assertEqual(found["result"], -1)
+        self.assertEqual(found["record"]["mp3AlbumString"], "Small Files")
+        self.assertEqual(found["panel"]["id3AlbumField"], "")
+        self.assertEqual(len(found["panel"]["renamePopup"]), 4)
+        self.assertTrue(found["panel"]["twitterButton"])
+        self.assertFalse(found["panel"]["lyricsButton"])
+
+    def test_a_fifo_with_a_writer_is_left_alone(self):
+        fifo = self.folder / "fifo.mp3"
+        os.mkfifo(fifo)
+        writer = subprocess.Popen(["sh", "-c", f'exec 3> "{fifo}"; echo through'], stdout=subprocess.PIPE)
+        time.sleep(0.2)
+        self.assertEqual(run(fifo).returncode, 1)
+        self.assertIsNone(writer.poll())
+        writer.kill()
+        writer.communicate()
+
+    @unittest.skipIf(os.geteuid() == 0, "root may read everything")
+    def test_a_file_without_permission(self):
+        path = self.write("secret.mp3", SAMPLE.read_bytes())
+        path.chmod(0)
+        done = run(path)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"Permission denied", done.stderr)
+
+    def test_names_that_are_not_utf8(self):
+        path = os.path.join(os.fsencode(self.folder), b"\xff\xe9 caf\xc3\xa9.mp3")
+        with open(path, "wb") as out:
+            out.write(SAMPLE.read_bytes())
+        [found] = read_json(path)
+        self.assertEqual(found["result"], 0)
+        self.assertEqual(os.fsencode(found["path"]), path)
+        self.assertIn("\ufffd\ufffd café.mp3".encode(), run(path).stdout)
+
+    def test_covers(self):
+        target = self.folder / "cover.png"
+        self.assertEqual(run("--cover", target, SAMPLE).returncode, 0)
+        self.assertTrue(target.read_bytes().startswith(b"\x89PNG"))
+        target.write_bytes(b"mine")
+        done = run("--cover", target, SAMPLE)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"exists", done.stderr)
+        self.assertEqual(target.read_bytes(), b"mine")
+        self.assertEqual(run("--cover", target, "--force", SAMPLE).returncode, 0)
+        self.assertTrue(target.read_bytes().startswith(b"\x89PNG"))
+        plain = self.encoded("plain.mp3", "lame", "-b", "128")
+        self.assertEqual(run("--cover", self.folder / "no.png", plain).returncode, 1)
+        self.assertFalse((self.folder / "no.png").exists())
+        # The audio file is never written, under whatever name it is met.
+        audio = self.write("audio.mp3", SAMPLE.read_bytes())
+        (self.folder / "link.png").symlink_to(audio)
+        for name in (audio, self.folder / "link.png"):
+            self.assertEqual(run("--cover", name, "--force", audio).returncode, 1)
+        self.assertEqual(audio.read_bytes(), SAMPLE.read_bytes())
+
+    def test_usage(self):
+        for wrong in ([], ["--bogus", "x"], ["--json"], ["--cover", "x"], ["--cover"], ["--force", SAMPLE],
+                      ["--cover", "x", SAMPLE, SAMPLE], ["--json", "--cover", "x", SAMPLE]):
+            done = run(*wrong)
+            self.assertEqual(done.returncode, 2, wrong)
+            self.assertTrue(done.stderr and not done.stdout)
+        self.assertIn(b"Usage", run("--help").stdout)
+        self.assertIn(b"0.", run("--version").stdout)
+        self.assertEqual(run("--", self.write("-x.mp3", SAMPLE.read_bytes()).name, cwd=self.folder).returncode, 0)
+        with open("/dev/full", "wb") as full:
+            self.assertEqual(subprocess.run([INFO, SAMPLE], stdout=full, stderr=subprocess.DEVNULL).returncode, 1)
+
+
+class HostileFiles(Folder):
+    """Sizes that lie must cost neither memory nor time."""
+
+    def read_within(self, path, megabytes):
+        # The sanitizers' own shadow does not count as the program's memory.
+        done = subprocess.run(["sh", "-c", 'exec "$@" > /dev/null', "sh", INFO, "--json", path], timeout=30)
+        usage = os.wait4(subprocess.Popen([INFO, "--json", path], stdout=subprocess.DEVNULL).pid, 0)[2]
+        if not os.environ.get("SONARIN_SANITIZED"):
+            self.assertLess(usage.ru_maxrss, megabytes * 1024)
+        return done.returncode
+
+    def test_frames_and_tags_that_claim_gigabytes(self):
+        for frame in (b"USLT", b"APIC", b"TIT2"):
+            lie = b"ID3\3\0\0\x7f\x7f\x7f\x7f" + frame + b"\xff\xff\xff\xfa\0\0\0" + bytes(200)
+            self.assertEqual(self.read_within(self.write("lie.mp3", lie), 60), 1)
+
+    def test_sparse_file_beyond_four_gibibytes(self):
+        path = self.write("large.mp3", SAMPLE.read_bytes())
+        os.truncate(path, (5 << 30) + 123)
+        self.assertEqual(self.read_within(path, 60), 0)
+
+    def test_a_tag_of_joined_frames(self):
+        frames = (b"TPE1\0\0\0\3\0\0\0ab" * 200000)
+        header = b"ID3\3\0\0" + bytes(len(frames) >> shift & 127 for shift in (21, 14, 7, 0))
+        path = self.write("joined.mp3", header + frames + b"\xff\xfb\x90\0" + bytes(100))
+        self.assertEqual(self.read_within(path, 60), 0)
+        [found] = read_json(path)
+        self.assertEqual(len(found["record"]["mp3ArtistString"]), 200000 * 3 - 1)
+
+
+if __name__ == "__main__":
+    unittest.main()
