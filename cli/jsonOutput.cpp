@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -33,19 +34,49 @@ constexpr bool standsForItself(char16_t unit) {
     return unit < plainUnits.size() && plainUnits[unit];
 }
 
-/// The length of the run that needs no escape.
-std::size_t plainRun(std::string_view bytes) {
+/// Copies units that stand for themselves up to the first that does not, or to the end; answers their number.
+std::size_t copyPlain(std::string_view narrow, char* out) {
     std::size_t run = 0;
-    for (; bytes.size() - run >= sizeof(ByteLanes); run += sizeof(ByteLanes)) {
-        const ByteLanes lanes = loadLanes(bytes.data() + run);
-        if (anyLane((lanes < ' ') | (lanes > '~') | (lanes == '"') | (lanes == '\\'))) {
+    for (; narrow.size() - run >= sizeof(ByteLanes); run += sizeof(ByteLanes)) {
+        const ByteLanes lanes = loadLanes(narrow.data() + run);
+        if (anyLane((lanes - ' ' > '~' - ' ') | (lanes == '"') | (lanes == '\\'))) {
             break;
         }
+        std::memcpy(out + run, &lanes, sizeof lanes);
     }
-    while (run < bytes.size() && standsForItself(unitOf(bytes[run]))) {
-        ++run;
+    for (; run < narrow.size() && standsForItself(unitOf(narrow[run])); ++run) {
+        out[run] = narrow[run];
     }
     return run;
+}
+
+std::size_t copyPlain(std::u16string_view wide, char* out) {
+    std::size_t run = 0;
+    for (; run < wide.size() && standsForItself(wide[run]); ++run) {
+        out[run] = static_cast<char>(wide[run]);
+    }
+    return run;
+}
+
+/// Writes a character that does not stand for itself as one byte; answers the place behind it.
+char* writeSpecial(CodePoint character, char* out) {
+    if (character == '"' || character == '\\') {
+        *out++ = '\\';
+        *out++ = static_cast<char>(character);
+        return out;
+    }
+    const bool isControl = character < 0xA0; // of C0 or C1, or delete
+    if (!isControl && !isSurrogate(character)) {
+        const Utf8Character encoded = encodeUtf8(character);
+        return std::copy_n(encoded.bytes.begin(), encoded.size, out);
+    }
+    constexpr std::string_view hexDigits = "0123456789abcdef";
+    *out++ = '\\';
+    *out++ = 'u';
+    for (const unsigned shift : {12U, 8U, 4U, 0U}) {
+        *out++ = hexDigits[(static_cast<unsigned>(character) >> shift) & 0xFU];
+    }
+    return out;
 }
 
 /// A member's name as it stands in the line behind another member, made when the program is compiled.
@@ -139,57 +170,32 @@ private:
     }
 
     void string(const SvxString& value) {
-        out_.append('"');
-        value.visit([this](auto units) { content(units); });
-        out_.append('"');
+        value.visit([this](auto units) {
+            out_.append('"');
+            while (!units.empty()) {
+                units.remove_prefix(piece(units));
+            }
+            out_.append('"');
+        });
     }
 
-    void content(std::string_view narrow) {
-        while (!narrow.empty()) {
-            const std::size_t run = plainRun(narrow);
-            out_.append(narrow.substr(0, run));
-            narrow.remove_prefix(run);
-            if (!narrow.empty()) {
-                special(unitOf(narrow.front()));
-                narrow.remove_prefix(1);
+    /// Appends as much of a text as the buffer is sure to have room for; answers how many units that were.
+    template <class Units>
+    std::size_t piece(Units units) {
+        constexpr std::size_t longestEscape = 6;
+        const Units some = units.substr(0, OutputBuffer::largestRoom / longestEscape);
+        char* out = out_.room(some.size() * longestEscape);
+        std::size_t done = 0;
+        while (done < some.size()) {
+            const std::size_t run = copyPlain(some.substr(done), out);
+            done += run;
+            out += run;
+            if (done < some.size()) {
+                out = writeSpecial(decodeUtf16(units, &done), out); // may take one unit more than `some` has
             }
         }
-    }
-
-    void content(std::u16string_view wide) {
-        std::array<char, 64> plain{};
-        while (!wide.empty()) {
-            const std::size_t most = std::min(wide.size(), plain.size());
-            std::size_t run = 0;
-            for (; run < most && standsForItself(wide[run]); ++run) {
-                plain[run] = static_cast<char>(wide[run]);
-            }
-            out_.append({plain.data(), run});
-            if (run < most) {
-                special(decodeUtf16(wide, &run));
-            }
-            wide.remove_prefix(run);
-        }
-    }
-
-    /// A character that does not stand for itself as one byte.
-    void special(CodePoint character) {
-        if (character == '"' || character == '\\') {
-            out_.append('\\');
-            out_.append(static_cast<char>(character));
-        } else if (character < 0xA0 || isSurrogate(character)) { // the controls of C0 and C1, and delete
-            escape(character);
-        } else {
-            out_.append(encodeUtf8(character).view());
-        }
-    }
-
-    void escape(CodePoint unit) {
-        constexpr std::string_view hexDigits = "0123456789abcdef";
-        out_.append("\\u");
-        for (const unsigned shift : {12U, 8U, 4U, 0U}) {
-            out_.append(hexDigits[(static_cast<unsigned>(unit) >> shift) & 0xFU]);
-        }
+        out_.take(out);
+        return done;
     }
 
     OutputBuffer& out_;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cli/outputBuffer.h"
 
-#include <array>
 #include <cerrno>
 #include <charconv>
 #include <poll.h>
@@ -32,9 +31,9 @@ void OutputBuffer::appendBeyondBuffer(std::string_view bytes) {
 }
 
 void OutputBuffer::appendNumber(std::int64_t number) {
-    std::array<char, 24> digits{};
-    const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    append(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
+    constexpr std::size_t longest = 20;
+    char* start = room(longest);
+    take(std::to_chars(start, start + longest, number).ptr);
 }
 
 bool OutputBuffer::flush() {

@@ -6,11 +6,13 @@
 #include "text/textDecoding.h"
 #include "text/unicodeForms.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace sonarin {
 
@@ -81,18 +83,22 @@ SvxStringRef feMakePathText(std::string_view bytes) noexcept {
 }
 
 SvxStringRef feLastPathComponent(const SvxStringRef& path) noexcept {
-    SvxIndex end = SvxStringGetLength(path);
-    while (end > 1 && SvxStringGetUniChar(path, end - 1) == u'/') {
-        --end;
+    if (!path) {
+        return nullptr;
     }
-    SvxIndex start = end;
-    while (start > 0 && SvxStringGetUniChar(path, start - 1) != u'/') {
-        --start;
-    }
-    if (end == 1 && start == 1) {
-        start = 0; // the root
-    }
-    return SvxStringCreateWithSubstring(path, start, end - start);
+    const auto [start, length] = path->visit([](auto units) {
+        using Units = decltype(units);
+        const typename Units::value_type slash = '/';
+        const std::size_t last = units.find_last_not_of(slash);
+        if (last == Units::npos) {
+            return std::pair<std::size_t, std::size_t>(
+                0, std::min<std::size_t>(units.size(), 1)); // the root, or ""
+        }
+        const std::size_t before = units.find_last_of(slash, last);
+        const std::size_t first = before == Units::npos ? 0 : before + 1;
+        return std::pair<std::size_t, std::size_t>(first, last + 1 - first);
+    });
+    return SvxStringCreateWithSubstring(path, static_cast<SvxIndex>(start), static_cast<SvxIndex>(length));
 }
 
 std::int32_t feMakeFSRefFromPath(const SvxStringRef& path, FSRef* ref) noexcept {

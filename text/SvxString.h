@@ -45,6 +45,7 @@ public:
                      : visitor(std::string_view(static_cast<const char*>(units()), count_));
     }
 
+    [[nodiscard]] bool isWide() const noexcept { return wide_; }
     [[nodiscard]] SvxIndex length() const noexcept { return static_cast<SvxIndex>(count_); }
 
     /// `index` must lie within the text.
@@ -88,6 +89,9 @@ public:
     explicit operator bool() const noexcept { return text_ != nullptr; }
     const SvxString& operator*() const noexcept { return *text_; }
     const SvxString* operator->() const noexcept { return text_; }
+
+    /// Leaves out the units from `count` on, of a text that its maker alone holds.
+    void truncate(std::size_t count) noexcept { text_->count_ = count; }
 
     /// Adds one blank and `addition`. The storage of a text that nobody else holds grows in place, by
     /// doubling; otherwise a new text is made. False when memory runs out, which changes nothing.

@@ -11,6 +11,7 @@
 #include <exception>
 #include <limits>
 #include <optional>
+#include <tuple>
 
 namespace sonarin {
 
@@ -172,11 +173,13 @@ void forEachPiece(std::string_view format, std::initializer_list<SvxFormatValue>
 
 template <class Unit>
 SvxStringRef makeFormatted(std::string_view format, std::initializer_list<SvxFormatValue> values,
-                           std::size_t units) {
-    Unit* out = nullptr;
-    SvxStringRef text = SvxString::make(units, &out);
+                           std::size_t mostUnits) {
+    Unit* start = nullptr;
+    SvxStringRef text = SvxString::make(mostUnits, &start);
     if (text) {
+        Unit* out = start;
         forEachPiece(format, values, [&out](auto piece) { out = copyUnits(piece, out); });
+        text.truncate(static_cast<std::size_t>(out - start));
     }
     return text;
 }
@@ -255,13 +258,21 @@ SvxStringRef fourCharacterText(std::uint32_t code) noexcept {
 
 SvxStringRef SvxStringCreateWithFormat(std::string_view format,
                                        std::initializer_list<SvxFormatValue> values) noexcept {
-    std::size_t units = 0;
+    // A little room stays unused, which is cheaper than looking through the format twice.
+    std::size_t mostUnits = format.size();
     bool wide = false;
-    forEachPiece(format, values, [&](auto piece) {
-        units += piece.size();
-        wide = wide || sizeof(piece[0]) == 2;
-    });
-    return wide ? makeFormatted<char16_t>(format, values, units) : makeFormatted<char>(format, values, units);
+    for (const SvxFormatValue& value : values) {
+        if (const auto* literal = std::get_if<std::string_view>(&value)) {
+            mostUnits += literal->size();
+        } else if (const auto* text = std::get_if<SvxStringRef>(&value)) {
+            mostUnits += static_cast<std::size_t>(SvxStringGetLength(*text));
+            wide = wide || (*text && (*text)->isWide());
+        } else {
+            mostUnits += std::tuple_size_v<Digits>;
+        }
+    }
+    return wide ? makeFormatted<char16_t>(format, values, mostUnits)
+                : makeFormatted<char>(format, values, mostUnits);
 }
 
 void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition) noexcept {
