@@ -67,8 +67,7 @@ char* writeSpecial(CodePoint character, char* out) {
     }
     const bool isControl = character < 0xA0; // of C0 or C1, or delete
     if (!isControl && !isSurrogate(character)) {
-        const Utf8Character encoded = encodeUtf8(character);
-        return std::copy_n(encoded.bytes.begin(), encoded.size, out);
+        return encodeUtf8(character, out);
     }
     constexpr std::string_view hexDigits = "0123456789abcdef";
     *out++ = '\\';

@@ -116,6 +116,8 @@ TEST(TextValue, FindsUnderCanonicalEquivalenceAndCase) {
              {"groß", "s", 0, false, -1},
              {"10 \u212Am", "km", 0, false, 3}, // Kelvin sign
              {"가", "\u1100", 0, true, -1},
+             {std::string(90, 'i') + "itUN" + std::string(90, 'n'), "iTun", 0, false, 90},
+             {"日" + std::string(90, 'i') + "itUN", "iTun", 0, false, 91},
              {std::string(300, 'a') + "b", std::string(280, 'a') + "b", 0, true, 20},
          }) {
         EXPECT_EQ(SvxStringPosition(text(c.text), text(c.needle), c.start, c.caseSensitive), c.expected)

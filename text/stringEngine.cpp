@@ -364,8 +364,7 @@ void SvxStringCopyToUTF8(const SvxStringRef& text, char* destination, std::uint3
             if (character == 0) {
                 return false;
             }
-            const Utf8Character encoded = encodeUtf8(character);
-            out = std::copy_n(encoded.bytes.begin(), encoded.size, out);
+            out = encodeUtf8(character, out);
             return true;
         });
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "text/textSearch.h"
 
+#include "text/byteLanes.h"
 #include "text/unicodeForms.h"
 
 #include <unicode/normalizer2.h>
@@ -88,10 +89,40 @@ bool matchesAt(Units units, std::size_t at, std::string_view needle, bool caseSe
     return end == units.size() || startsCharacter(decodeUtf16(units, &end));
 }
 
+/// The lanes that hold `folded` or, where case is ignored, its upper-case form.
+ByteLanes lanesEqual(ByteLanes lanes, char folded, bool caseSensitive) {
+    const bool eitherCase = !caseSensitive && folded >= 'a' && folded <= 'z';
+    return (eitherCase ? lanes | 0x20 : lanes) == static_cast<std::uint8_t>(folded);
+}
+
+/// Sixteen places at a time by the needle's first and last unit, which together are rare in any text.
+std::optional<SvxIndex> findPlain(std::string_view units, std::string_view needle, std::size_t start,
+                                  bool caseSensitive) {
+    std::size_t at = start;
+    for (; units.size() - at >= sizeof(ByteLanes) + needle.size(); at += sizeof(ByteLanes)) {
+        const ByteLanes firsts = loadLanes(units.data() + at);
+        const ByteLanes lasts = loadLanes(units.data() + at + needle.size() - 1);
+        if (!anyLane(lanesEqual(firsts, needle.front(), caseSensitive) &
+                     lanesEqual(lasts, needle.back(), caseSensitive))) {
+            continue;
+        }
+        for (std::size_t i = at; i < at + sizeof(ByteLanes); ++i) {
+            if (matchesAt(units, i, needle, caseSensitive)) {
+                return static_cast<SvxIndex>(i);
+            }
+        }
+    }
+    for (; units.size() - at >= needle.size(); ++at) {
+        if (matchesAt(units, at, needle, caseSensitive)) {
+            return static_cast<SvxIndex>(at);
+        }
+    }
+    return std::nullopt;
+}
+
 /// Horspool's search: where the unit under the needle's last place does not occur in the needle, the needle
 /// moves on by its whole length.
-template <class Units>
-std::optional<SvxIndex> findPlain(Units units, std::string_view needle, std::size_t start,
+std::optional<SvxIndex> findPlain(std::u16string_view units, std::string_view needle, std::size_t start,
                                   bool caseSensitive) {
     constexpr std::size_t longestShift = 0xFF;
     if (units.size() - start < needle.size()) {

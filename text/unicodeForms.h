@@ -57,18 +57,12 @@ inline std::string_view completeUtf8(std::string_view bytes) {
 
 // NOLINTEND(readability-function-cognitive-complexity)
 
-struct Utf8Character {
-    std::array<char, U8_MAX_LENGTH> bytes{};
+/// Writes one to four bytes, answering the place behind them. `character` must be a code point and no
+/// surrogate.
+inline char* encodeUtf8(CodePoint character, char* out) {
     std::size_t size = 0;
-
-    [[nodiscard]] std::string_view view() const { return {bytes.data(), size}; }
-};
-
-/// `character` must be a code point and no surrogate.
-inline Utf8Character encodeUtf8(CodePoint character) {
-    Utf8Character encoded;
-    U8_APPEND_UNSAFE(encoded.bytes.data(), encoded.size, character);
-    return encoded;
+    U8_APPEND_UNSAFE(out, size, character);
+    return out + size;
 }
 
 /// The character at `*position`, which moves behind it; a lone surrogate comes as it stands.
@@ -86,6 +80,20 @@ inline char16_t* encodeUtf16(CodePoint character, char16_t* out) {
 }
 
 #pragma GCC diagnostic pop
+
+struct Utf8Character {
+    std::array<char, U8_MAX_LENGTH> bytes{};
+    std::size_t size = 0;
+
+    [[nodiscard]] std::string_view view() const { return {bytes.data(), size}; }
+};
+
+inline Utf8Character encodeUtf8(CodePoint character) {
+    Utf8Character encoded;
+    encoded.size =
+        static_cast<std::size_t>(encodeUtf8(character, encoded.bytes.data()) - encoded.bytes.data());
+    return encoded;
+}
 
 /// The same for the narrow storage of a text, in which every element is a character.
 inline CodePoint decodeUtf16(std::string_view narrow, std::size_t* position) {
