@@ -51,6 +51,9 @@ std::size_t copyPlain(std::string_view narrow, char* out) {
 }
 
 std::size_t copyPlain(std::u16string_view wide, char* out) {
+    if (!standsForItself(wide.front())) {
+        return 0; // the usual case where the script is not Latin
+    }
     std::size_t run = 0;
     for (; run < wide.size() && standsForItself(wide[run]); ++run) {
         out[run] = static_cast<char>(wide[run]);
@@ -60,15 +63,15 @@ std::size_t copyPlain(std::u16string_view wide, char* out) {
 
 /// Writes a character that does not stand for itself as one byte; answers the place behind it.
 char* writeSpecial(CodePoint character, char* out) {
+    if (character >= 0xA0 && !isSurrogate(character)) {
+        return encodeUtf8(character, out);
+    }
     if (character == '"' || character == '\\') {
         *out++ = '\\';
         *out++ = static_cast<char>(character);
         return out;
     }
-    const bool isControl = character < 0xA0; // of C0 or C1, or delete
-    if (!isControl && !isSurrogate(character)) {
-        return encodeUtf8(character, out);
-    }
+    // A control of C0 or C1, delete, or a lone surrogate.
     constexpr std::string_view hexDigits = "0123456789abcdef";
     *out++ = '\\';
     *out++ = 'u';
