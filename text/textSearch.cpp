@@ -113,7 +113,8 @@ std::optional<SvxIndex> findPlain(std::string_view units, std::string_view needl
         }
     }
     for (; units.size() - at >= needle.size(); ++at) {
-        if (matchesAt(units, at, needle, caseSensitive)) {
+        if (counterpart(units[at], caseSensitive) == unitOf(needle.front()) &&
+            matchesAt(units, at, needle, caseSensitive)) {
             return static_cast<SvxIndex>(at);
         }
     }
