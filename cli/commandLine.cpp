@@ -43,7 +43,6 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
     bool cover = false;
     opterr = 0;
     for (;;) {
-        const char* word = optind < argc ? argv[optind] : ""; // NOLINT(*-pointer-arithmetic)
         // The program has no second thread.
         const int found =
             getopt_long(argc, argv, ":hj", options.data(), nullptr); // NOLINT(concurrency-mt-unsafe)
@@ -72,10 +71,14 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
             call.action = CommandLine::Action::version;
             return call;
         case ':':
-            *problem = std::string(word) + " needs a value";
+            *problem = std::string(argv[optind - 1]) + " needs a value"; // NOLINT(*-pointer-arithmetic)
             return std::nullopt;
         default:
-            *problem = std::string("unknown option ") + word;
+            // A short option is known by its letter, a long one by the word just passed.
+            *problem = std::string("unknown option or value: ") +
+                       (optopt > ' ' && optopt <= '~'
+                            ? std::string{'-', static_cast<char>(optopt)}
+                            : std::string(argv[optind - 1])); // NOLINT(*-pointer-arithmetic)
             return std::nullopt;
         }
     }

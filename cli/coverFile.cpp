@@ -51,7 +51,13 @@ std::string writeCover(const ShownFile& file, const std::string& target, bool fo
         return target + ": " + hostErrorText(errno) + (errno == EEXIST ? " (--force replaces it)" : "");
     }
     const std::string failure = writeAll(out.get(), file.record.mp3CoverArt.view());
-    return failure.empty() ? failure : target + ": " + failure;
+    if (failure.empty()) {
+        return failure;
+    }
+    if (!force) {
+        unlink(target.c_str()); // made here, and half a picture is of no use
+    }
+    return target + ": " + failure;
 }
 
 } // namespace sonarin

@@ -27,7 +27,7 @@ enum ExitStatus : int { exitAllRead = 0, exitNotRead = 1, exitUsage = 2 };
 void complain(std::string_view message) {
     OutputBuffer err(STDERR_FILENO);
     err.append("sonarin-info: ");
-    err.append(message);
+    appendForTerminal(err, feMakePathText(message));
     err.append('\n');
     err.flush();
 }
@@ -115,6 +115,7 @@ int run(int argc, char** argv) {
     // the system and asking for it again each time.
     mallopt(M_TRIM_THRESHOLD, 8 << 20); // NOLINT(concurrency-mt-unsafe): there is no second thread
     mallopt(M_MMAP_THRESHOLD, 1 << 20); // NOLINT(concurrency-mt-unsafe)
+    mallopt(M_MXFAST, 0); // NOLINT(concurrency-mt-unsafe): or freeing the buffer walks all fast bins
 
     initStringBundle(bundleIdentifier);
     svxStringInitString();

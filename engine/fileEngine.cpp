@@ -45,11 +45,12 @@ std::u16string decodePath(std::string_view bytes) {
     return units;
 }
 
-/// The bytes of a path, or none when a lone surrogate in it stands for no byte.
+/// The bytes of a path up to the first U+0000, or none when a lone surrogate in it stands for no byte.
 std::string encodePath(const SvxString& text) {
     std::string bytes;
     bool convertible = true;
     text.visit([&](auto units) {
+        units = units.substr(0, units.find('\0'));
         if constexpr (sizeof(units[0]) == 1) {
             if (asciiRun(units) == units.size()) {
                 bytes = units;
@@ -110,8 +111,7 @@ std::int32_t feMakeFSRefFromPath(const SvxStringRef& path, FSRef* ref) noexcept 
     } catch (const std::exception&) {
         return fileMemFullErr;
     }
-    const bool usable = !ref->path.empty() && ref->path.find('\0') == std::string::npos;
-    return usable ? fileNoErr : -ENOENT;
+    return ref->path.empty() ? -ENOENT : fileNoErr;
 }
 
 std::int32_t feOpenExistingDataFile(const SvxStringRef& path, std::int32_t writeAccess) noexcept {

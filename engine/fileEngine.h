@@ -34,8 +34,8 @@ struct FSRef {
 /// The last component of a path: what follows the last "/", trailing slashes aside; "/" for the root.
 [[nodiscard]] SvxStringRef feLastPathComponent(const SvxStringRef& path) noexcept;
 
-/// Makes the reference of the item at `path`; the item need not exist. fileMemFullErr, or -ENOENT for an
-/// absent or empty path and one with U+0000.
+/// Makes the reference of the item at `path`, which ends before the first U+0000; the item need not exist.
+/// fileMemFullErr, or -ENOENT for an absent or empty path.
 [[nodiscard]] std::int32_t feMakeFSRefFromPath(const SvxStringRef& path, FSRef* ref) noexcept;
 
 /// Opens an existing file, for reading and writing when `writeAccess` is 1, else for reading. Answers the

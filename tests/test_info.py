@@ -243,6 +243,8 @@ class Output(Folder):
             done = run(*wrong)
             self.assertEqual(done.returncode, 2, wrong)
             self.assertTrue(done.stderr and not done.stdout)
+        self.assertIn(b": --b\\x1Bad", run(SAMPLE, "--b\x1bad").stderr)
+        self.assertIn(b": --cover needs", run(SAMPLE, "--cover").stderr)
         self.assertIn(b"Usage", run("--help").stdout)
         self.assertIn(b"0.", run("--version").stdout)
         self.assertEqual(run("--", self.write("-x.mp3", SAMPLE.read_bytes()).name, cwd=self.folder).returncode, 0)

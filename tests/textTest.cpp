@@ -229,6 +229,8 @@ TEST(TextValue, MakesNewTexts) {
         SvxStringAppendAfterBlank(&joined, text(more));
     }
     EXPECT_EQ(plain(joined), "a b 日 c");
+    SvxStringAppendAfterBlank(&joined, joined);
+    EXPECT_EQ(plain(joined), "a b 日 c a b 日 c");
     EXPECT_EQ(plain(shared), "a"); // a text that somebody else holds never changes
 }
 

@@ -277,7 +277,8 @@ SvxStringRef SvxStringCreateWithFormat(std::string_view format,
 
 void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition) noexcept {
     if (*text && addition) {
-        text->appendAfterBlank(*addition);
+        const SvxStringRef kept = addition; // which may be the text itself
+        text->appendAfterBlank(*kept);
     }
 }
 
