@@ -50,7 +50,7 @@ std::string writeCover(const ShownFile& file, const std::string& target, bool fo
     if (!out) {
         return target + ": " + hostErrorText(errno) + (errno == EEXIST ? " (--force replaces it)" : "");
     }
-    const std::string failure = writeAll(out.get(), file.record.mp3CoverArt.view());
+    std::string failure = writeAll(out.get(), file.record.mp3CoverArt.view());
     if (failure.empty()) {
         return failure;
     }
