@@ -277,7 +277,7 @@ SvxStringRef SvxStringCreateWithFormat(std::string_view format,
 
 void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition) noexcept {
     if (*text && addition) {
-        const SvxStringRef kept = addition; // which may be the text itself
+        const SvxStringRef kept = addition; // NOLINT(*-copy-initialization): it may be the text itself
         text->appendAfterBlank(*kept);
     }
 }
