@@ -33,6 +33,7 @@ bool hasValue(const FindRule& rule, const audioTags& record) {
 
 std::vector<FindKey> findKeys(const audioTags& record) {
     std::vector<FindKey> keys;
+    keys.reserve(findRules.size());
     for (const FindRule& rule : findRules) {
         if (hasValue(rule, record)) {
             keys.push_back(rule.key);

@@ -16,6 +16,21 @@ std::string hostErrorText(int error) {
     return std::generic_category().message(error);
 }
 
+/// What a reader of that type fails without.
+const char* missingPart(std::int32_t type) {
+    switch (type) {
+    case amdTypeMP3:
+        return "No MPEG audio frame found";
+    case amdTypeM4A:
+    case amdTypeM4P:
+        return "No MPEG-4 movie header with an item list found";
+    case amdTypeWAVE:
+        return "No WAVE sound format found";
+    default:
+        return "No AIFF sound format found";
+    }
+}
+
 } // namespace
 
 std::string failureCause(const ShownFile& file) {
@@ -42,7 +57,7 @@ std::string failureCause(const ShownFile& file) {
     if (status.st_size == 0) {
         return "The file is empty";
     }
-    return file.type == amdTypeMP3 ? "No MPEG audio frame found" : "The format cannot be read yet";
+    return missingPart(file.type);
 }
 
 } // namespace sonarin

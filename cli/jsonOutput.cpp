@@ -34,15 +34,24 @@ constexpr bool standsForItself(char16_t unit) {
     return unit < plainUnits.size() && plainUnits[unit];
 }
 
+/// Copies as many bytes as there are lanes; false when any of them does not stand for itself.
+bool copyPlainLanes(const char* from, char* out) {
+    const ByteLanes lanes = loadLanes(from);
+    std::memcpy(out, &lanes, sizeof lanes);
+    return !anyLane((lanes - ' ' > '~' - ' ') | (lanes == '"') | (lanes == '\\'));
+}
+
 /// Copies units that stand for themselves up to the first that does not, or to the end; answers their number.
 std::size_t copyPlain(std::string_view narrow, char* out) {
+    constexpr std::size_t step = sizeof(ByteLanes);
     std::size_t run = 0;
-    for (; narrow.size() - run >= sizeof(ByteLanes); run += sizeof(ByteLanes)) {
-        const ByteLanes lanes = loadLanes(narrow.data() + run);
-        if (anyLane((lanes - ' ' > '~' - ' ') | (lanes == '"') | (lanes == '\\'))) {
-            break;
-        }
-        std::memcpy(out + run, &lanes, sizeof lanes);
+    while (narrow.size() - run >= step && copyPlainLanes(narrow.data() + run, out + run)) {
+        run += step;
+    }
+    // The rest, which as a rule has nothing to escape either, together with what is done already.
+    if (run > 0 && narrow.size() - run < step &&
+        copyPlainLanes(narrow.data() + narrow.size() - step, out + narrow.size() - step)) {
+        return narrow.size();
     }
     for (; run < narrow.size() && standsForItself(unitOf(narrow[run])); ++run) {
         out[run] = narrow[run];

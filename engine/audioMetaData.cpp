@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "engine/audioMetaData.h"
 
+#include "engine/aacTags.h"
 #include "engine/fileEngine.h"
+#include "engine/miAIFF.h"
+#include "engine/miWAVE.h"
 #include "engine/mp3tags.h"
 #include "platform/host/fileAttributes.h"
 #include "text/stringEngine.h"
@@ -106,9 +109,26 @@ std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* rec
     switch (amdAudioFileType(path)) {
     case amdTypeMP3:
         return mp3GetFileInfo(path, record) != 0 ? 0 : -1;
+    case amdTypeM4A:
+    case amdTypeM4P:
+        return aacGetFileInfo(path, record) ? 0 : -1;
+    case amdTypeWAVE:
+        return waveGetFileInfo(path, record) ? 0 : -1;
+    case amdTypeAIFF: {
+        miAudioInfo info;
+        if (!miGetAIFFInfo(path, &info, record)) {
+            return -1;
+        }
+        miStoreInfo(info, record);
+        return 0;
+    }
     default:
         return -1;
     }
+}
+
+std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record) {
+    return record.mp3CoverArt ? makeHostPicture(record.mp3CoverArt.view()) : nullptr;
 }
 
 void amdReleaseAudioMetaData(audioTags* record) noexcept {

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "engine/byteBlock.h"
+#include "platform/host/picture.h"
 #include "text/SvxString.h"
 
 #include <cstdint>
+#include <memory>
 
 /// The front of the engine: the record that every reader fills, the audio types, and the one call that reads
 /// a file. Nothing throws, and the engine keeps no state between calls.
@@ -54,6 +56,10 @@ enum AudioFileType : std::int32_t { // NOLINT(*-enum-size): codes are passed as 
 /// Reads the file into `*record`, which must be cleared. 0 for success, -1 for failure, which may leave a
 /// partly filled record.
 [[nodiscard]] std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record) noexcept;
+
+/// A new picture from the record's cover; null when there is none, or its bytes are no image that the program
+/// can decode. The format is recognised by the bytes: mp3CoverArtType may be wrong.
+[[nodiscard]] std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record);
 
 /// Releases the record's texts and picture and nulls their fields; numbers stay. Harmless when repeated.
 void amdReleaseAudioMetaData(audioTags* record) noexcept;

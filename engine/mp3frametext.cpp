@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "engine/fileEngine.h"
+#include "engine/fileText.h"
 #include "engine/mp3tags.h"
 #include "text/stringEngine.h"
 #include "text/textDecoding.h"
@@ -11,28 +12,6 @@
 namespace sonarin {
 
 namespace {
-
-/// A range of the file, decoded out of the cache's buffer piece by piece: a long text costs its own memory
-/// only.
-class FileBytes final : public SvxByteSource {
-public:
-    FileBytes(rcCacheRec* cache, std::uint64_t offset, std::uint64_t size) noexcept
-        : cache_(cache), offset_(offset), size_(size) {}
-
-    [[nodiscard]] std::uint64_t size() const noexcept override { return size_; }
-    [[nodiscard]] std::string_view pieceAt(std::uint64_t position) noexcept override {
-        const std::uint64_t left = size_ - position;
-        // What fits into the buffer is taken whole, anything longer a buffer at a time.
-        const auto wanted = static_cast<std::uint32_t>(std::min<std::uint64_t>(left, cache_->bufferSize));
-        const ByteView bytes = rcBytesInCache(cache_, offset_ + position, wanted);
-        return asCharacters(bytes).substr(0, wanted);
-    }
-
-private:
-    rcCacheRec* cache_;
-    std::uint64_t offset_;
-    std::uint64_t size_;
-};
 
 /// Recognises a frame text's encoding by its bytes, R[0] to R[n - 1] in the comments; the encoding byte
 /// before them is often wrong.
@@ -105,9 +84,7 @@ private:
     }
 
     SvxStringRef utf8(std::uint32_t start, std::uint32_t length) {
-        FileBytes bytes(cache_, offset_ + start, length);
-        SvxStringRef text = SvxStringFromSource(SvxEncoding::utf8, bytes);
-        return text ? text : SvxStringFromSource(SvxEncoding::macRoman, bytes);
+        return readUTF8Text(cache_, offset_ + start, length);
     }
 
     rcCacheRec* cache_;
@@ -115,20 +92,6 @@ private:
     std::uint32_t count_;
     std::array<std::uint8_t, 10> head_{}; ///< the first bytes, zero behind the end
 };
-
-/// iTunes keeps its own data (volume, gaps, CD identity) in comment frames.
-bool isOwnCommentOfITunes(const SvxStringRef& text) {
-    // Nearly every text is done with after one search.
-    static const SvxStringRef commonStart = SvxStringFromCString("iTun");
-    if (!SvxStringContains(text, commonStart, false)) {
-        return false;
-    }
-    static const std::array<SvxStringRef, 4> markers = {
-        SvxStringFromCString("iTunNORM"), SvxStringFromCString("iTunes_CDDB"),
-        SvxStringFromCString("iTunSMPB"), SvxStringFromCString("iTunPGAP")};
-    return std::any_of(markers.begin(), markers.end(),
-                       [&](const SvxStringRef& marker) { return SvxStringContains(text, marker, false); });
-}
 
 } // namespace
 
@@ -138,7 +101,7 @@ void mp3ReadSvxStringFromFile(rcCacheRec* cache, std::uint64_t offset, std::uint
         return;
     }
     SvxStringRef text = FrameText(cache, offset, count).read();
-    if (!text || isOwnCommentOfITunes(text)) {
+    if (!text || containsITunesData(text)) {
         return;
     }
     if (SvxStringIsValid(*field)) {

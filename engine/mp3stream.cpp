@@ -83,33 +83,28 @@ bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, ByteView start, 
 } // namespace
 
 std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record) noexcept {
-    const std::int32_t refNum = feOpenExistingDataFile(path, 0);
-    if (refNum == 0) {
-        return 0;
-    }
-    rcCacheRec cache;
-    const CacheCloser closer(cache);
+    CachedFile file(path);
+    rcCacheRec* cache = file.cache();
     std::array<std::uint8_t, 4> start{};
-    if (rcOpenCache(&cache, refNum, rcStandardBufferSize) != fileNoErr ||
-        rcReadFromCache(&cache, 0, start.size(), start.data()) != fileNoErr) {
+    if (!file || rcReadFromCache(cache, 0, start.size(), start.data()) != fileNoErr) {
         return 0;
     }
-    const std::uint64_t size = cache.eof;
+    const std::uint64_t size = cache->eof;
     std::uint64_t position = 0;
-    const bool tagGaveText = readLeadingTag(&cache, &position, start, record);
+    const bool tagGaveText = readLeadingTag(cache, &position, start, record);
 
-    const std::optional<MpegFrameHeader> header = findFirstFrame(&cache, &position);
+    const std::optional<MpegFrameHeader> header = findFirstFrame(cache, &position);
     if (!header) {
         return 0;
     }
     storeFrameFacts(*header, size - position, record);
     const std::uint64_t xingPosition = position + xingDistance(*header);
-    const std::uint32_t frames = xingFrameCount(&cache, xingPosition);
+    const std::uint32_t frames = xingFrameCount(cache, xingPosition);
     if (frames != 0) {
         storeAverages(frames, size - xingPosition, record);
     }
     if (!tagGaveText) {
-        mp3ReadV1Tag(record, &cache, size);
+        mp3ReadV1Tag(record, cache, size);
     }
     return 1;
 }

@@ -75,6 +75,7 @@ std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uin
     if (!cache->buffer) {
         return fileMemFullErr;
     }
+    cache->work += count;
     if (count > cache->bufferSize) {
         return feReadFromFile(cache->refNum, position, count, destination);
     }
@@ -92,6 +93,7 @@ std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept
     const std::uint64_t left = position < cache->eof ? cache->eof - position : 0;
     cache->bufferPos = position;
     cache->validLength = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->bufferSize, left));
+    cache->work += cache->validLength;
     const std::int32_t result =
         feReadFromFile(cache->refNum, position, cache->validLength, cache->buffer.get());
     if (result != fileNoErr) {
@@ -101,6 +103,7 @@ std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept
 }
 
 ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) noexcept {
+    cache->work += count;
     if (count > cache->bufferSize || provide(cache, position, count) != fileNoErr) {
         return {};
     }
@@ -134,8 +137,14 @@ std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept {
     cache->bufferPos = 0;
     cache->validLength = 0;
     cache->eof = 0;
+    cache->work = 0;
     cache->refNum = 0;
     return refNum == 0 ? fileNoErr : feCloseFile(refNum);
+}
+
+CachedFile::CachedFile(const SvxStringRef& path, std::uint32_t bufferSize) noexcept {
+    const std::int32_t refNum = feOpenExistingDataFile(path, 0);
+    isOpen_ = refNum != 0 && rcOpenCache(&cache_, refNum, bufferSize) == fileNoErr;
 }
 
 } // namespace sonarin

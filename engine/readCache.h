@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/bytes.h"
+#include "text/SvxString.h"
 
 #include <cstdint>
 #include <memory>
@@ -23,6 +24,7 @@ struct rcCacheRec {
     std::uint64_t bufferPos = 0;            ///< position of the buffer's first byte
     std::uint32_t validLength = 0;          ///< bytes of the buffer that hold file data
     std::uint64_t eof = 0;                  ///< the file's size when the cache was opened
+    std::uint64_t work = 0;                 ///< bytes read from the file and handed out so far
 };
 
 enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any number
@@ -65,16 +67,21 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 /// Frees the buffer, clears the cache and closes the file; answers the result of closing.
 std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept;
 
-/// Closes a reader's cache and file on every way out.
-class CacheCloser {
+/// The file at a path with a cache over it, open for one reader; both are closed on every way out.
+class CachedFile {
 public:
-    explicit CacheCloser(rcCacheRec& cache) noexcept : cache_(cache) {}
-    CacheCloser(const CacheCloser&) = delete;
-    CacheCloser& operator=(const CacheCloser&) = delete;
-    ~CacheCloser() { rcCloseCacheAndFile(&cache_); }
+    explicit CachedFile(const SvxStringRef& path, std::uint32_t bufferSize = rcStandardBufferSize) noexcept;
+    CachedFile(const CachedFile&) = delete;
+    CachedFile& operator=(const CachedFile&) = delete;
+    ~CachedFile() { rcCloseCacheAndFile(&cache_); }
+
+    /// Whether the file could be opened and its beginning read.
+    explicit operator bool() const noexcept { return isOpen_; }
+    [[nodiscard]] rcCacheRec* cache() noexcept { return &cache_; }
 
 private:
-    rcCacheRec& cache_;
+    rcCacheRec cache_;
+    bool isOpen_ = false;
 };
 
 } // namespace sonarin

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "engine/fileEngine.h"
 #include "engine/mp3tags.h"
 #include "engine/readCache.h"
 #include "fuzz/memoryFile.h"
@@ -15,19 +14,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     startUp();
     const MemoryFile file(bytes, size);
-    rcCacheRec cache;
-    const CacheCloser closer(cache);
-    const std::uint32_t bufferSize = 16 + bytes[1];
-    if (rcOpenCache(&cache, feOpenExistingDataFile(file.path(), 0), bufferSize) != fileNoErr) {
+    CachedFile opened(file.path(), 16U + bytes[1]);
+    if (!opened) {
         return 0;
     }
     const auto count = static_cast<std::uint32_t>(size - 2) + (bytes[0] == 0xFF ? 1U : 0U);
     audioTags record;
     for (int i = 0; i < 2; ++i) { // the second time joins
-        mp3ReadSvxStringFromFile(&cache, 2, count, &record.mp3CommentString);
+        mp3ReadSvxStringFromFile(opened.cache(), 2, count, &record.mp3CommentString);
     }
     mp3DecodeTrackInfo(record.mp3CommentString, &record.mp3TheTrack, &record.mp3TrackAmount);
-    mp3ReadCoverArt(&record, 2, count, &cache);
+    mp3ReadCoverArt(&record, 2, count, opened.cache());
     printRecord(file.path(), std::move(record));
     return 0;
 }

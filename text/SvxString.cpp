@@ -2,6 +2,7 @@
 #include "text/SvxString.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -16,25 +17,67 @@ std::size_t blockSize(std::size_t units, bool wide) {
     return units > largest / 2 ? 0 : sizeof(SvxString) + (wide ? 2 * units : units);
 }
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool keepsBlocks = false; // a text used after its release is to be found
+#elif defined(__has_feature)
+constexpr bool keepsBlocks = !__has_feature(address_sanitizer);
+#else
+constexpr bool keepsBlocks = true;
+#endif
+
+/// The size of every short text's block, so that any of them can hold the next one.
+constexpr std::size_t shortBlockSize = 128;
+
+/// Blocks of released short texts, kept for the next ones: dozens come and go with every file.
+class ShortBlocks {
+public:
+    /// A kept block; null when there is none.
+    void* take() { return count_ == 0 ? nullptr : blocks_[--count_]; }
+
+    bool keep(void* block) {
+        if (!keepsBlocks || count_ == blocks_.size()) {
+            return false;
+        }
+        blocks_[count_++] = block;
+        return true;
+    }
+
+private:
+    std::array<void*, 64> blocks_{};
+    std::size_t count_ = 0;
+};
+
+constinit ShortBlocks shortBlocks; // NOLINT(*-avoid-non-const-global-variables): texts belong to one thread
+
 } // namespace
 
 // NOLINTBEGIN(cppcoreguidelines-no-malloc): it is realloc that lets a long text grow without a second copy
 
 SvxString* SvxString::allocate(std::size_t count, bool wide) noexcept {
     const std::size_t size = blockSize(count, wide);
-    void* block = size != 0 ? std::malloc(size) : nullptr;
+    if (size == 0) {
+        return nullptr;
+    }
+    const bool isShort = size <= shortBlockSize;
+    void* block = isShort ? shortBlocks.take() : nullptr;
+    if (block == nullptr) {
+        block = std::malloc(isShort ? shortBlockSize : size);
+    }
     if (block == nullptr) {
         return nullptr;
     }
     auto* text = new (block) SvxString;
     text->count_ = count;
-    text->capacity_ = count;
+    text->capacity_ = isShort ? (shortBlockSize - sizeof(SvxString)) / (wide ? 2 : 1) : count;
     text->wide_ = wide;
     return text;
 }
 
 void SvxStringRef::destroy(SvxString* text) noexcept {
-    std::free(text);
+    const bool isShort = blockSize(text->capacity_, text->wide_) == shortBlockSize;
+    if (!isShort || !shortBlocks.keep(text)) {
+        std::free(text);
+    }
 }
 
 /// Makes the text one that only this reference holds, with room for `count` units of that width.

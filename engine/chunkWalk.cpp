@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#include "engine/chunkWalk.h"
+
+#include "engine/fileEngine.h"
+
+#include <array>
+
+namespace sonarin {
+
+bool ChunkWalk::readForm() noexcept {
+    return rcReadUInt32FromCache(cache_, 0, rcByteOrderBig, &formId_) == fileNoErr &&
+           rcReadUInt32FromCache(cache_, 4, sizeOrder_, &formSize_) == fileNoErr &&
+           rcReadUInt32FromCache(cache_, 8, rcByteOrderBig, &formType_) == fileNoErr;
+}
+
+bool ChunkWalk::next(Chunk* chunk) noexcept {
+    if (cache_->eof <= chunkHeaderSize || position_ >= cache_->eof - chunkHeaderSize) {
+        return false;
+    }
+    std::array<std::uint8_t, chunkHeaderSize> header{};
+    hasFailed_ = rcReadFromCache(cache_, position_, header.size(), header.data()) != fileNoErr;
+    if (hasFailed_) {
+        return false;
+    }
+    chunk->id = bigEndian32(header);
+    chunk->size = sizeOrder_ == rcByteOrderBig ? bigEndian32(header, 4) : littleEndian32(header, 4);
+    chunk->position = position_;
+    position_ += chunkHeaderSize + std::uint64_t{chunk->size};
+    return true;
+}
+
+} // namespace sonarin

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+#include "engine/miAIFF.h"
+
+#include "engine/chunkWalk.h"
+#include "engine/fileEngine.h"
+#include "engine/mp3tags.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace sonarin {
+
+namespace {
+
+/// The fields of a "COMM" chunk.
+struct CommonChunk {
+    std::int16_t channels = 0;
+    std::uint32_t sampleFrames = 0;
+    std::int16_t sampleSize = 0; ///< bits
+    std::uint32_t sampleRate = 0;
+    std::uint32_t compressionType = 0; ///< AIFF-C only
+};
+
+struct CompressionFactor {
+    std::uint32_t type;
+    std::uint32_t factor; ///< uncompressed bytes for one stored byte
+};
+
+constexpr std::array<CompressionFactor, 7> compressionFactors = {{
+    {fourCC("cdx2"), 2},
+    {fourCC("alaw"), 2},
+    {fourCC("ulaw"), 2},
+    {fourCC("MAC3"), 3},
+    {fourCC("ima4"), 4},
+    {fourCC("cdx4"), 4},
+    {fourCC("MAC6"), 6},
+}};
+
+std::uint32_t compressionFactor(std::uint32_t type) {
+    const auto* found = std::find_if(compressionFactors.begin(), compressionFactors.end(),
+                                     [type](const CompressionFactor& known) { return known.type == type; });
+    return found == compressionFactors.end() ? 1 : found->factor;
+}
+
+std::uint32_t wholeRate(double rate) {
+    return static_cast<std::uint32_t>(
+        std::clamp(rate, 0.0, static_cast<double>(std::numeric_limits<std::uint32_t>::max())));
+}
+
+/// Thirty bytes are read in plain AIFF too, where the chunk has 26.
+bool readCommon(rcCacheRec* cache, const Chunk& chunk, CommonChunk* common) {
+    std::array<std::uint8_t, 30> bytes{};
+    if (rcReadFromCache(cache, chunk.position, bytes.size(), bytes.data()) != fileNoErr) {
+        return false;
+    }
+    common->channels = static_cast<std::int16_t>(bigEndian16(bytes, 8));
+    common->sampleFrames = bigEndian32(bytes, 10);
+    common->sampleSize = static_cast<std::int16_t>(bigEndian16(bytes, 14));
+    common->sampleRate = wholeRate(ConvertFromIeeeExtended(ByteView(bytes).subspan(16, 10)));
+    common->compressionType = bigEndian32(bytes, 26);
+    return true;
+}
+
+constexpr std::uint32_t divide(std::uint32_t dividend, std::uint32_t divisor) {
+    return divisor == 0 ? 0 : dividend / divisor;
+}
+
+/// AIFF-C: seconds that the form's bytes would last uncompressed, all in 32 bits.
+std::uint32_t compressedDuration(const CommonChunk& common, std::uint32_t formSize) {
+    const std::uint32_t bytes = compressionFactor(common.compressionType) * formSize;
+    const std::uint32_t samplesPerSecond = static_cast<std::uint32_t>(common.channels) * common.sampleRate;
+    const std::uint32_t duration = divide(bytes, samplesPerSecond);
+    return common.sampleSize == 16 ? duration / 2 : duration;
+}
+
+miAudioInfo infoOf(const CommonChunk& common, const ChunkWalk& form) {
+    miAudioInfo info;
+    info.duration = static_cast<std::uint16_t>(form.formType() == fourCC("AIFC")
+                                                   ? compressedDuration(common, form.formSize())
+                                                   : divide(common.sampleFrames, common.sampleRate));
+    info.sampleRate = common.sampleRate;
+    info.channels = static_cast<std::uint32_t>(common.channels);
+    info.sampleSize = static_cast<std::uint32_t>(common.sampleSize);
+    return info;
+}
+
+/// Reads "ID3 " chunks as long as that stays in proportion to the file: a tag's size is not limited by its
+/// chunk's, so a million small chunks could each ask for the rest of the file.
+class TagChunks {
+public:
+    TagChunks(audioTags* record, rcCacheRec* cache)
+        : record_(record), cache_(cache), mostWork_(workPerByte * cache->eof + slack) {}
+
+    void take(const Chunk& chunk) {
+        if (record_ == nullptr || cache_->work > mostWork_) {
+            return;
+        }
+        std::uint64_t position = chunk.position + chunkHeaderSize;
+        mp3ReadV2Tags(record_, &position, cache_);
+    }
+
+private:
+    /// A text is read up to four times, and handed out as often, before its encoding is known.
+    static constexpr std::uint64_t workPerByte = 8;
+    static constexpr std::uint64_t slack = std::uint64_t{1} << 20U;
+
+    audioTags* record_;
+    rcCacheRec* cache_;
+    std::uint64_t mostWork_;
+};
+
+} // namespace
+
+bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* record) noexcept {
+    if (info != nullptr) {
+        *info = {};
+    }
+    CachedFile file(path);
+    ChunkWalk walk(file.cache(), rcByteOrderBig);
+    if (!file || !walk.readForm() || walk.formId() != fourCC("FORM") ||
+        (walk.formType() != fourCC("AIFF") && walk.formType() != fourCC("AIFC"))) {
+        return false;
+    }
+    TagChunks tags(record, file.cache());
+    bool commFound = false;
+    for (Chunk chunk; walk.next(&chunk);) {
+        if (chunk.id == fourCC("ID3 ")) {
+            tags.take(chunk);
+        } else if (chunk.id == fourCC("COMM")) {
+            CommonChunk common;
+            if (!readCommon(file.cache(), chunk, &common)) {
+                return false;
+            }
+            commFound = true;
+            if (info != nullptr) {
+                *info = infoOf(common, walk);
+            }
+        }
+    }
+    return commFound && !walk.hasFailed();
+}
+
+double ConvertFromIeeeExtended(ByteView bytes) noexcept {
+    constexpr std::uint32_t largestExponent = 0x7FFF;
+    constexpr int bias = 16383;
+    const std::uint32_t signAndExponent = bigEndian16(bytes);
+    const std::uint32_t exponent = signAndExponent & largestExponent;
+    const std::uint32_t high = bigEndian32(bytes, 2);
+    const std::uint32_t low = bigEndian32(bytes, 6);
+    double value = 0.0;
+    if (exponent == largestExponent) {
+        value = std::numeric_limits<double>::infinity();
+    } else if (exponent != 0 || high != 0 || low != 0) {
+        const int power = static_cast<int>(exponent) - bias;
+        value = std::ldexp(static_cast<double>(high), power - 31) +
+                std::ldexp(static_cast<double>(low), power - 63);
+    }
+    return (signAndExponent & ~largestExponent) != 0 ? -value : value;
+}
+
+} // namespace sonarin

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#include "engine/miAudioInfo.h"
+
+namespace sonarin {
+
+void miStoreInfo(const miAudioInfo& info, audioTags* record) noexcept {
+    constexpr std::uint8_t stereo = 0;
+    constexpr std::uint8_t singleChannel = 3;
+    record->mp3SongLen = info.duration;
+    record->mp3SamplingRate = info.sampleRate;
+    if (info.channels == 1) {
+        record->mp3ChannelMode = singleChannel;
+    } else if (info.channels == 2) {
+        record->mp3ChannelMode = stereo;
+    }
+}
+
+} // namespace sonarin

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "engine/miWAVE.h"
+
+#include "engine/chunkWalk.h"
+#include "engine/fileEngine.h"
+
+#include <array>
+
+namespace sonarin {
+
+namespace {
+
+constexpr std::uint32_t formatPCM = 1;
+
+/// The fields of a "fmt " chunk that are used.
+struct WaveFormat {
+    std::uint32_t tag = 0;
+    std::uint32_t channels = 0;
+    std::uint32_t samplesPerSecond = 0;
+    std::uint32_t averageBytesPerSecond = 0;
+    std::uint32_t bitsPerSample = 0;
+};
+
+constexpr std::uint32_t divide(std::uint32_t dividend, std::uint32_t divisor) {
+    return divisor == 0 ? 0 : dividend / divisor;
+}
+
+bool readFormat(rcCacheRec* cache, const Chunk& chunk, WaveFormat* format) {
+    std::array<std::uint8_t, 24> bytes{};
+    if (rcReadFromCache(cache, chunk.position, bytes.size(), bytes.data()) != fileNoErr) {
+        return false;
+    }
+    format->tag = littleEndian16(bytes, 8);
+    format->channels = littleEndian16(bytes, 10);
+    format->samplesPerSecond = littleEndian32(bytes, 12);
+    format->averageBytesPerSecond = littleEndian32(bytes, 16);
+    format->bitsPerSample = littleEndian16(bytes, 22);
+    return true;
+}
+
+/// The sampling rate as the bytes per second give it; unchanged for sample sizes that are no whole bytes.
+void storeFormat(const WaveFormat& format, miAudioInfo* info) {
+    info->channels = format.channels;
+    info->sampleSize = format.bitsPerSample;
+    switch (format.bitsPerSample) {
+    case 8:
+    case 16:
+    case 24:
+    case 32:
+        if (format.channels != 0) {
+            info->sampleRate = format.averageBytesPerSecond / (format.bitsPerSample / 8) / format.channels;
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+/// The sound format of compressed samples, once the number of samples per channel is known.
+void storeCompressed(const WaveFormat& format, std::uint32_t samples, miAudioInfo* info) {
+    constexpr std::uint32_t uncompressedSize = 16;
+    info->sampleRate = divide(format.averageBytesPerSecond * 8, format.bitsPerSample * format.channels);
+    info->sampleSize = uncompressedSize;
+    // ADPCM blocks carry headers, so their bytes per second give a rate that is too high (11.1 instead of
+    // 11.025 kHz) and a duration that is too short. The rate in the format itself is exact.
+    const std::uint32_t trueRate = format.samplesPerSecond != 0 ? format.samplesPerSecond : info->sampleRate;
+    info->duration = static_cast<std::uint16_t>(divide(samples, trueRate));
+}
+
+} // namespace
+
+bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info) noexcept {
+    *info = {};
+    CachedFile file(path);
+    ChunkWalk walk(file.cache(), rcByteOrderLittle);
+    if (!file || !walk.readForm() || walk.formId() != fourCC("RIFF") || walk.formType() != fourCC("WAVE")) {
+        return false;
+    }
+    WaveFormat format;
+    bool compressedFormatSeen = false;
+    for (Chunk chunk; walk.next(&chunk);) {
+        if (chunk.id == fourCC("fmt ")) {
+            if (!readFormat(file.cache(), chunk, &format)) {
+                return false;
+            }
+            storeFormat(format, info);
+            if (format.tag == formatPCM) {
+                info->duration =
+                    static_cast<std::uint16_t>(divide(walk.formSize(), format.averageBytesPerSecond));
+                return true;
+            }
+            compressedFormatSeen = true;
+        } else if (chunk.id == fourCC("fact")) {
+            std::uint32_t samples = 0;
+            const std::uint64_t field = chunk.position + chunkHeaderSize;
+            if (rcReadUInt32FromCache(file.cache(), field, rcByteOrderLittle, &samples) != fileNoErr) {
+                return false;
+            }
+            if (compressedFormatSeen) {
+                storeCompressed(format, samples, info);
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool waveGetFileInfo(const SvxStringRef& path, audioTags* record) noexcept {
+    miAudioInfo info;
+    const bool isRead = miGetWAVInfo(path, &info);
+    miStoreInfo(info, record);
+    return isRead;
+}
+
+} // namespace sonarin
