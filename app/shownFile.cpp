@@ -14,9 +14,10 @@ ShownFile readShownFile(SvxStringRef path) noexcept {
     if (feMakeFSRefFromPath(file.path, &ref) == fileNoErr) {
         file.attributes = hostFileAttributes(ref.path);
     }
-    file.type = amdAudioFileType(file.path);
-    if (file.type != amdTypeNone && file.attributes.isRegular) {
-        file.result = amdGetAudioMetaDataForFile(file.path, &file.record);
+    if (file.attributes.isRegular) {
+        file.result = amdGetAudioMetaDataForFile(file.path, &file.record, &file.type);
+    } else {
+        file.type = amdAudioFileType(file.path);
     }
     return file;
 }

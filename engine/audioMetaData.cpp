@@ -105,8 +105,13 @@ bool wavePossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_
     return type == fourCC("WAVE") || endsWithAny(name, {".WAVE", ".WAV"});
 }
 
-std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record) noexcept {
-    switch (amdAudioFileType(path)) {
+std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record,
+                                        std::int32_t* type) noexcept {
+    const std::int32_t found = amdAudioFileType(path);
+    if (type != nullptr) {
+        *type = found;
+    }
+    switch (found) {
     case amdTypeMP3:
         return mp3GetFileInfo(path, record) != 0 ? 0 : -1;
     case amdTypeM4A:

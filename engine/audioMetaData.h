@@ -54,8 +54,9 @@ enum AudioFileType : std::int32_t { // NOLINT(*-enum-size): codes are passed as 
 [[nodiscard]] std::int32_t amdAudioFileType(const SvxStringRef& path) noexcept;
 
 /// Reads the file into `*record`, which must be cleared. 0 for success, -1 for failure, which may leave a
-/// partly filled record.
-[[nodiscard]] std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record) noexcept;
+/// partly filled record. `*type`, unless null, gets the AudioFileType that the file was taken for.
+[[nodiscard]] std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record,
+                                                      std::int32_t* type = nullptr) noexcept;
 
 /// A new picture from the record's cover; null when there is none, or its bytes are no image that the program
 /// can decode. The format is recognised by the bytes: mp3CoverArtType may be wrong.

@@ -27,7 +27,13 @@ struct FormattedNumber {
     std::uint64_t bits = 0; ///< of the number, so that 0 and -0 differ
     SvxStringRef text;
 };
-std::array<FormattedNumber, 16> recentNumbers;
+constexpr unsigned recentBits = 6;
+std::array<FormattedNumber, 1U << recentBits> recentNumbers;
+
+/// Fibonacci hashing: sizes and rates differ in few bits of the middle.
+std::size_t recentIndex(std::uint64_t bits) {
+    return static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15U) >> (64U - recentBits));
+}
 
 struct SizeUnit {
     std::uint64_t lastKibibytes; ///< the largest count of whole kibibytes that is shown in this unit
@@ -68,7 +74,7 @@ SvxStringRef SvxMakeFloatingFractionString(double value) noexcept {
         return nullptr;
     }
     const auto bits = std::bit_cast<std::uint64_t>(value);
-    FormattedNumber& known = recentNumbers.at((bits ^ (bits >> 32U)) % recentNumbers.size());
+    FormattedNumber& known = recentNumbers.at(recentIndex(bits));
     if (!known.text || known.bits != bits) {
         icu::UnicodeString text;
         gOneFractionDigitFormatter->format(value, text);

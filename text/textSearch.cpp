@@ -33,7 +33,7 @@ bool startsCharacter(CodePoint character) {
 // Suffixes, markers and separators are ASCII, and most texts are too. A unit of the text then stands for one
 // unit of the needle at the most, so that the units can be compared one by one, without a normalized copy.
 // The exception are the characters that fold to several ASCII letters (ß and the ligatures of U+FB00 to
-// U+FB06): a needle that one of them could match takes the general road.
+// U+FB06): where one of them could match the needle, the general road is taken.
 
 /// Whether two letters are what one such character folds to, or its beginning.
 constexpr bool isFoldedPair(char first, char second) {
@@ -41,20 +41,36 @@ constexpr bool isFoldedPair(char first, char second) {
            (first == 'f' && (second == 'f' || second == 'i' || second == 'l'));
 }
 
-/// The needle with its letters folded, when it can be compared unit by unit; else empty.
-std::string plainNeedle(const SvxString& needle, bool caseSensitive) {
+/// A needle that can be compared unit by unit.
+struct PlainNeedle {
+    std::string units;          ///< its letters folded; empty when it is not plain
+    bool hasFoldedPair = false; ///< whether one character of a text could match two of its units
+
+    [[nodiscard]] bool servesFor(const SvxString& text) const {
+        if (units.empty() || !hasFoldedPair) {
+            return !units.empty();
+        }
+        // Of those characters a narrow text can hold the sharp s only.
+        return !text.isWide() && text.visit([](auto stored) {
+            return std::all_of(stored.begin(), stored.end(), [](auto unit) { return unitOf(unit) != 0xDF; });
+        });
+    }
+};
+
+PlainNeedle plainNeedle(const SvxString& needle, bool caseSensitive) {
     return needle.visit([caseSensitive](auto units) {
-        std::string folded(units.size(), '\0');
+        PlainNeedle plain{std::string(units.size(), '\0')};
         char last = '\0';
         for (std::size_t i = 0; i < units.size(); ++i) {
             const char16_t unit = unitOf(units[i]);
-            const char next = unit < 0x80 ? static_cast<char>(asciiCounterpart(unit, caseSensitive)) : '\0';
-            if (unit >= 0x80 || (!caseSensitive && isFoldedPair(last, next))) {
-                return std::string();
+            if (unit >= 0x80) {
+                return PlainNeedle();
             }
-            folded[i] = last = next;
+            const char next = static_cast<char>(asciiCounterpart(unit, caseSensitive));
+            plain.hasFoldedPair = plain.hasFoldedPair || (!caseSensitive && isFoldedPair(last, next));
+            plain.units[i] = last = next;
         }
-        return folded;
+        return plain;
     });
 }
 
@@ -242,32 +258,33 @@ std::optional<SvxIndex> findText(const SvxString& text, const SvxString& needle,
     if (needle.length() == 0) {
         return std::nullopt;
     }
-    const std::string plain = plainNeedle(needle, caseSensitive);
-    if (plain.empty()) {
+    const PlainNeedle plain = plainNeedle(needle, caseSensitive);
+    if (!plain.servesFor(text)) {
         return findGeneral(text, needle, start, caseSensitive);
     }
-    return text.visit(
-        [&](auto units) { return findPlain(units, plain, static_cast<std::size_t>(start), caseSensitive); });
+    return text.visit([&](auto units) {
+        return findPlain(units, plain.units, static_cast<std::size_t>(start), caseSensitive);
+    });
 }
 
 bool matchesAtStart(const SvxString& text, const SvxString& needle, bool caseSensitive) {
     if (needle.length() == 0) {
         return false;
     }
-    const std::string plain = plainNeedle(needle, caseSensitive);
-    if (plain.empty()) {
+    const PlainNeedle plain = plainNeedle(needle, caseSensitive);
+    if (!plain.servesFor(text)) {
         const Comparable haystack = makeComparable(wideCopy(text, 0), caseSensitive);
         return matchesAt(haystack, 0, makeComparable(wideCopy(needle, 0), caseSensitive).units);
     }
-    return text.visit([&](auto units) { return matchesAt(units, 0, plain, caseSensitive); });
+    return text.visit([&](auto units) { return matchesAt(units, 0, plain.units, caseSensitive); });
 }
 
 bool matchesAtEnd(const SvxString& text, const SvxString& needle, bool caseSensitive) {
     if (needle.length() == 0) {
         return false;
     }
-    const std::string plain = plainNeedle(needle, caseSensitive);
-    if (plain.empty()) {
+    const PlainNeedle plain = plainNeedle(needle, caseSensitive);
+    if (!plain.servesFor(text)) {
         const Comparable haystack = makeComparable(wideCopy(text, 0), caseSensitive);
         const std::u16string wanted = makeComparable(wideCopy(needle, 0), caseSensitive).units;
         if (wanted.size() > haystack.units.size()) {
@@ -277,8 +294,8 @@ bool matchesAtEnd(const SvxString& text, const SvxString& needle, bool caseSensi
         return isBoundary(haystack, at) && matchesAt(haystack, at, wanted);
     }
     return text.visit([&](auto units) {
-        return units.size() >= plain.size() &&
-               matchesAt(units, units.size() - plain.size(), plain, caseSensitive);
+        return units.size() >= plain.units.size() &&
+               matchesAt(units, units.size() - plain.units.size(), plain.units, caseSensitive);
     });
 }
 

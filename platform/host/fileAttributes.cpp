@@ -67,7 +67,10 @@ HostTypeCodes codesFromAppleDouble(const std::string& path) {
     constexpr std::uint32_t magic = 0x00051607;
     constexpr std::uint32_t finderInfoEntry = 9;
     const std::size_t nameStart = path.rfind('/') + 1;
-    const FileDescriptor file = openRegularFile(path.substr(0, nameStart) + "._" + path.substr(nameStart));
+    const std::string sidecar = path.substr(0, nameStart) + "._" + path.substr(nameStart);
+    // As a rule there is none, which asking for its attributes tells sooner than opening it.
+    const FileDescriptor file =
+        hostFileAttributes(sidecar).isRegular ? openRegularFile(sidecar) : FileDescriptor();
     std::array<std::uint8_t, 26> header{};
     if (!file || !readAt(file, 0, header) || bigEndian32(header.data()) != magic) {
         return {};
