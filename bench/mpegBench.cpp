@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "app/shownFile.h"
 #include "bench/benchFiles.h"
-#include "cli/jsonOutput.h"
-#include "cli/outputBuffer.h"
-#include "engine/fileEngine.h"
+#include "bench/printFiles.h"
 #include "tests/support/sampleBytes.h"
-#include "text/CMMCoreFunctions.h"
-#include "text/displayFormat.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <fcntl.h>
-#include <malloc.h>
 #include <memory>
 #include <random>
 #include <sys/stat.h>
@@ -25,20 +19,6 @@ using namespace sonarin::bench;
 using namespace sonarin::sample;
 
 constexpr std::size_t readSize = 65536;
-constexpr std::size_t fileCount = 1000;
-
-/// What the programs do at their start, once.
-void startUp() {
-    static const bool done = [] {
-        mallopt(M_TRIM_THRESHOLD, 8 << 20);
-        mallopt(M_MMAP_THRESHOLD, 1 << 20);
-        initStringBundle(bundleIdentifier);
-        svxStringInitString();
-        return true;
-    }();
-    benchmark::DoNotOptimize(done);
-}
-
 /// open + fstat + pread of 64 KiB + close.
 void touch(const std::string& path, char* buffer) {
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -46,17 +26,6 @@ void touch(const std::string& path, char* buffer) {
     fstat(file, &status);
     benchmark::DoNotOptimize(pread(file, buffer, readSize, 0));
     close(file);
-}
-
-void readAndPrint(const std::vector<std::string>& paths) {
-    startUp();
-    const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    OutputBuffer out(null);
-    for (const std::string& path : paths) {
-        appendJson(out, readShownFile(feMakePathText(path)));
-        out.flush();
-    }
-    close(null);
 }
 
 std::string ordinaryFrames() {
@@ -89,13 +58,6 @@ void touchFiles(benchmark::State& state) {
         }
     }
     state.counters["files"] = fileCount;
-}
-
-void printFiles(benchmark::State& state, const std::vector<std::string>& paths) {
-    for (auto unused : state) {
-        readAndPrint(paths);
-    }
-    state.counters["files"] = static_cast<double>(paths.size());
 }
 
 void readThrough(benchmark::State& state, const std::string& path) {

@@ -102,8 +102,9 @@ public:
     }
 
 private:
-    /// A text is read up to four times, and handed out as often, before its encoding is known.
-    static constexpr std::uint64_t workPerByte = 8;
+    /// A text is gone through up to four times before its encoding is known, and one that is just longer than
+    /// the read buffer fills that twice each time.
+    static constexpr std::uint64_t workPerByte = 16;
     static constexpr std::uint64_t slack = std::uint64_t{1} << 20U;
 
     audioTags* record_;

@@ -61,8 +61,8 @@ void storeCompressed(const WaveFormat& format, std::uint32_t samples, miAudioInf
     constexpr std::uint32_t uncompressedSize = 16;
     info->sampleRate = divide(format.averageBytesPerSecond * 8, format.bitsPerSample * format.channels);
     info->sampleSize = uncompressedSize;
-    // ADPCM blocks carry headers, so their bytes per second give a rate that is too high (11.1 instead of
-    // 11.025 kHz) and a duration that is too short. The rate in the format itself is exact.
+    // ADPCM blocks carry headers, so their bytes per second give a rate that is too high (44.7 instead of
+    // 44.1 kHz) and a duration that is too short. The rate in the format itself is exact.
     const std::uint32_t trueRate = format.samplesPerSecond != 0 ? format.samplesPerSecond : info->sampleRate;
     info->duration = static_cast<std::uint16_t>(divide(samples, trueRate));
 }

@@ -55,4 +55,13 @@ void printRecord(const SvxStringRef& path, audioTags&& record) {
     out.flush();
 }
 
+int fuzzReader(const std::uint8_t* bytes, std::size_t size, Reader read) {
+    startUp();
+    const MemoryFile file(bytes, size);
+    audioTags record;
+    read(file.path(), &record);
+    printRecord(file.path(), std::move(record));
+    return 0;
+}
+
 } // namespace sonarin

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "engine/audioMetaData.h"
-#include "engine/fileEngine.h"
 #include "engine/mp3frame.h"
+#include "tests/support/readFile.h"
 #include "tests/support/sampleBytes.h"
 #include "tests/support/testFolder.h"
 #include "text/stringEngine.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <random>
 #include <tuple>
 #include <vector>
@@ -22,21 +20,8 @@ using sample::id3Frame;
 using sample::id3Tag;
 using sample::mpegAudio;
 
-struct ReadResult {
-    std::int32_t result = 0;
-    audioTags record;
-};
-
 ReadResult readFile(const std::string& content, std::uint64_t sizeOnDisk = 0) {
-    startUpIn("C");
-    const TestFolder folder;
-    const std::string path = folder.write("x.mp3", content);
-    if (sizeOnDisk != 0) {
-        std::filesystem::resize_file(path, sizeOnDisk);
-    }
-    ReadResult read;
-    read.result = amdGetAudioMetaDataForFile(feMakePathText(path), &read.record);
-    return read;
+    return readFileAs("x.mp3", content, sizeOnDisk);
 }
 
 std::string withXing(std::size_t distance, std::uint32_t header, std::uint32_t flags, std::uint32_t frames,

@@ -3,53 +3,17 @@
 
 import json
 import os
-import pathlib
 import pty
 import subprocess
-import tempfile
 import time
 import unittest
 
 from mutagen import id3, mp3
 
-INFO = os.environ["SONARIN_INFO"]
-SAMPLE = pathlib.Path(os.environ["SAMPLES"]) / "sample.mp3"
+from program import INFO, SAMPLES, Folder, read_json, run
+
+SAMPLE = SAMPLES / "sample.mp3"
 CONTROLS = bytes(range(0x20)) + b"\x7f"
-
-
-def run(*arguments, locale="C", **options):
-    environment = dict(os.environ, LC_ALL=locale, TERM="xterm")
-    return subprocess.run([INFO, *arguments], capture_output=True, env=environment, timeout=60, **options)
-
-
-def read_json(*paths, locale="C"):
-    """One object per path, whatever became of it."""
-    lines = run("--json", *paths, locale=locale).stdout.split(b"\n")
-    assert lines.pop() == b""
-    return [json.loads(line) for line in lines]
-
-
-class Folder(unittest.TestCase):
-    def setUp(self):
-        scratch = tempfile.TemporaryDirectory()
-        self.addCleanup(scratch.cleanup)
-        self.folder = pathlib.Path(scratch.name)
-
-    def write(self, name, content):
-        path = self.folder / name
-        path.write_bytes(content)
-        return path
-
-    def sound(self, seconds=3, rate=44100, channels=2):
-        path = self.folder / "sound.wav"
-        subprocess.run(["sox", "-n", "-r", str(rate), "-c", str(channels), "-b", "16", path,
-                        "synth", str(seconds), "sine", "440", "gain", "-6"], check=True)
-        return path
-
-    def encoded(self, name, *command, **sound):
-        path = self.folder / name
-        subprocess.run([*command, self.sound(**sound), path], check=True, capture_output=True)
-        return path
 
 
 class RealFiles(Folder):

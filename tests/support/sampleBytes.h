@@ -35,4 +35,39 @@ std::string id3Tag(const std::string& frames, std::size_t padding = 16, char maj
 /// stereo.
 std::string mpegAudio(std::size_t size, std::uint32_t header = 0xFFFB9000);
 
+/// `value` as that many bytes, least significant first.
+std::string littleEndian(std::uint64_t value, std::size_t size = 4);
+
+/// An atom of MPEG-4 files (its size includes the header), and one whose size is given in 64 bits.
+std::string atom(const std::string& type, const std::string& data);
+std::string longAtom(const std::string& type, const std::string& data);
+
+/// An item of the item list with one value.
+std::string item(const std::string& type, const std::string& value);
+
+/// The first atom of an MPEG-4 file, 24 bytes long, and a "moov" atom with that item list.
+std::string fileTypeAtom();
+std::string movieAtom(const std::string& items, std::uint32_t timeScale = 44100,
+                      std::uint32_t duration = 13230000);
+
+/// The chunks of RIFF and of IFF files.
+std::string riffChunk(const std::string& id, const std::string& data);
+std::string iffChunk(const std::string& id, const std::string& data);
+
+/// The fields of a "fmt " chunk's first sixteen bytes.
+struct WaveFields {
+    std::uint16_t tag = 1;
+    std::uint16_t channels = 2;
+    std::uint32_t rate = 44100;
+    std::uint32_t bytesPerSecond = 176400;
+    std::uint16_t bits = 16;
+};
+std::string formatChunk(const WaveFields& fields);
+std::string riffForm(const std::string& chunks, std::uint32_t formSize);
+
+/// A "COMM" chunk; `rate` is an extended number of ten bytes, `end` what follows it.
+std::string commonChunk(std::uint16_t channels, std::uint32_t frames, std::uint16_t bits,
+                        const std::string& rate, const std::string& end = std::string(4, '\0'));
+std::string iffForm(const std::string& type, const std::string& chunks, std::uint32_t formSize = 0);
+
 } // namespace sonarin::sample

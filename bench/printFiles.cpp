@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "bench/printFiles.h"
+
+#include "app/shownFile.h"
+#include "cli/jsonOutput.h"
+#include "cli/outputBuffer.h"
+#include "engine/fileEngine.h"
+#include "text/CMMCoreFunctions.h"
+#include "text/displayFormat.h"
+
+#include <fcntl.h>
+#include <malloc.h>
+#include <unistd.h>
+
+namespace sonarin::bench {
+
+namespace {
+
+/// What the programs do at their start, once.
+void startUp() {
+    static const bool done = [] {
+        mallopt(M_TRIM_THRESHOLD, 8 << 20);
+        mallopt(M_MMAP_THRESHOLD, 1 << 20);
+        initStringBundle(bundleIdentifier);
+        svxStringInitString();
+        return true;
+    }();
+    benchmark::DoNotOptimize(done);
+}
+
+void readAndPrint(const std::vector<std::string>& paths) {
+    startUp();
+    const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    OutputBuffer out(null);
+    for (const std::string& path : paths) {
+        appendJson(out, readShownFile(feMakePathText(path)));
+        out.flush();
+    }
+    close(null);
+}
+
+} // namespace
+
+void printFiles(benchmark::State& state, const std::vector<std::string>& paths) {
+    for (auto unused : state) {
+        readAndPrint(paths);
+    }
+    state.counters["files"] = static_cast<double>(paths.size());
+}
+
+} // namespace sonarin::bench

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+#include "engine/aacTags.h"
+#include "fuzz/memoryFile.h"
+
+/// The whole MPEG-4 reader on any bytes.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    using namespace sonarin;
+    return fuzzReader(
+        bytes, size, [](const SvxStringRef& path, audioTags* record) { (void)aacGetFileInfo(path, record); });
+}

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#include "engine/miWAVE.h"
+#include "fuzz/memoryFile.h"
+
+/// The whole WAVE reader on any bytes.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    using namespace sonarin;
+    return fuzzReader(bytes, size, [](const SvxStringRef& path, audioTags* record) {
+        (void)waveGetFileInfo(path, record);
+    });
+}

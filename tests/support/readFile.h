@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "engine/audioMetaData.h"
+
+#include <cstdint>
+#include <string>
+
+namespace sonarin {
+
+struct ReadResult {
+    std::int32_t result = 0;
+    audioTags record;
+};
+
+/// Reads a file of that name and content through the engine's front door; a size beyond the content leaves a
+/// hole at its end.
+ReadResult readFileAs(const std::string& name, const std::string& content, std::uint64_t sizeOnDisk = 0);
+
+} // namespace sonarin
