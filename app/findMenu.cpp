@@ -14,15 +14,21 @@ struct FindRule {
     FindKey key;
     SvxStringRef audioTags::*value; ///< null for the year, the only number
     std::string_view titleFormat;
+    std::string_view urlFormat;
 };
 
 constexpr std::array<FindRule, 6> findRules = {{
-    {FindKey::song, &audioTags::mp3SongTitleString, "Find all songs \"%@\" in Shelvix"},
-    {FindKey::album, &audioTags::mp3AlbumString, "Find all songs of album \"%@\" in Shelvix"},
-    {FindKey::artist, &audioTags::mp3ArtistString, "Find all songs of artist \"%@\" in Shelvix"},
-    {FindKey::year, nullptr, "Find all songs of %li in Shelvix"},
-    {FindKey::genre, &audioTags::mp3Genre2String, "Find all songs of genre \"%@\" in Shelvix"},
-    {FindKey::composer, &audioTags::mp3ComposerString, "Find all songs of composer \"%@\" in Shelvix"},
+    {FindKey::song, &audioTags::mp3SongTitleString, "Find all songs \"%@\" in Shelvix",
+     "shelvix://find/audio/&song=%@"},
+    {FindKey::album, &audioTags::mp3AlbumString, "Find all songs of album \"%@\" in Shelvix",
+     "shelvix://find/audio/&album=%@"},
+    {FindKey::artist, &audioTags::mp3ArtistString, "Find all songs of artist \"%@\" in Shelvix",
+     "shelvix://find/audio/&artist=%@"},
+    {FindKey::year, nullptr, "Find all songs of %li in Shelvix", "shelvix://find/audio/&year=%li"},
+    {FindKey::genre, &audioTags::mp3Genre2String, "Find all songs of genre \"%@\" in Shelvix",
+     "shelvix://find/audio/&genre=%@"},
+    {FindKey::composer, &audioTags::mp3ComposerString, "Find all songs of composer \"%@\" in Shelvix",
+     "shelvix://find/audio/&composer=%@"},
 }};
 
 bool hasValue(const FindRule& rule, const audioTags& record) {
@@ -48,6 +54,14 @@ SvxStringRef findEntryTitle(FindKey key, const audioTags& record) noexcept {
         return SvxStringCreateWithFormat(rule.titleFormat, {record.mp3Year});
     }
     return SvxStringCreateWithFormat(rule.titleFormat, {record.*rule.value});
+}
+
+SvxStringRef findUrl(FindKey key, const audioTags& record) noexcept {
+    const FindRule& rule = findRules[static_cast<std::size_t>(key)];
+    if (rule.value == nullptr) {
+        return SvxStringCreateWithFormat(rule.urlFormat, {record.mp3Year});
+    }
+    return SvxStringCreateWithFormat(rule.urlFormat, {SvxStringConvertToURL(record.*rule.value)});
 }
 
 } // namespace sonarin

@@ -18,4 +18,8 @@ enum class FindKey { song, album, artist, year, genre, composer };
 /// The title of the menu entry, the value as it stands.
 [[nodiscard]] SvxStringRef findEntryTitle(FindKey key, const audioTags& record) noexcept;
 
+/// The URL that asks the cataloguer for all songs with the record's value, which it carries percent-escaped;
+/// ASCII.
+[[nodiscard]] SvxStringRef findUrl(FindKey key, const audioTags& record) noexcept;
+
 } // namespace sonarin

@@ -5,6 +5,7 @@
 #include "text/displayFormat.h"
 #include "text/stringEngine.h"
 
+#include <algorithm>
 #include <array>
 
 namespace sonarin {
@@ -81,6 +82,17 @@ PanelFacts panelFacts(const audioTags& record) noexcept {
     facts.id3ChannelsField = entryOf(channelModes, record.mp3ChannelMode);
     facts.id3TagVersionField = entryOf(tagVersions, record.mp3TagVersion);
     return facts;
+}
+
+SvxStringRef panelCoverDetails(const audioTags& record, const HostPicture* picture) noexcept {
+    if (!record.mp3CoverArt) {
+        return SvxStringFromCString("");
+    }
+    const auto whole = [](double points) { return static_cast<std::int64_t>(std::max(points, 0.0)); };
+    return SvxStringCreateWithFormat("%li x %li, %li bytes",
+                                     {whole(picture != nullptr ? picture->widthInPoints() : 0.0),
+                                      whole(picture != nullptr ? picture->heightInPoints() : 0.0),
+                                      static_cast<std::int64_t>(record.mp3CoverArt.size())});
 }
 
 SvxStringRef panelLyrics(const audioTags& record) noexcept {

@@ -15,8 +15,8 @@ namespace sonarin {
 /// The size of a regular file; "n.a." for anything else.
 [[nodiscard]] SvxStringRef panelFileSize(const HostFileAttributes& attributes) noexcept;
 
-/// The texts of the fact fields, by the name of their outlets. The details of the cover picture are left to
-/// the window, since they need the decoded picture.
+/// The texts of the fact fields, by the name of their outlets. The details of the cover picture need the
+/// decoded picture and stand apart.
 struct PanelFacts {
     SvxStringRef id3DurationField;
     SvxStringRef id3BitrateEtcField;
@@ -35,6 +35,10 @@ struct PanelFacts {
 
 /// The facts of a file that was read.
 [[nodiscard]] PanelFacts panelFacts(const audioTags& record) noexcept;
+
+/// The size of the cover picture in points, in whole numbers, and of its bytes; "" without a cover. A picture
+/// that nobody can decode has the size 0 x 0.
+[[nodiscard]] SvxStringRef panelCoverDetails(const audioTags& record, const HostPicture* picture) noexcept;
 
 /// The lyrics, or one blank when there are none.
 [[nodiscard]] SvxStringRef panelLyrics(const audioTags& record) noexcept;

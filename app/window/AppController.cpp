@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: MIT
+#include "app/window/AppController.h"
+
+#include "app/panelTexts.h"
+#include "app/shownFile.h"
+#include "app/window/cocoaUtils.h"
+#include "engine/fileEngine.h"
+#include "platform/desktop/fileUri.h"
+#include "text/CMMCoreFunctions.h"
+#include "text/displayFormat.h"
+#include "ui_LyricsWindow.h"
+#include "ui_MainWindow.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QMetaMethod>
+#include <chrono>
+
+namespace sonarin {
+
+namespace {
+
+// Preference keys.
+const QString syncKindDefaultKey = QStringLiteral("syncKindDefaultKey");
+const QString finderSync = QStringLiteral("finderSync");
+const QString windowGeometry = QStringLiteral("windowGeometry");
+
+/// The item of the menu that stands for a sync kind; item 1 is the line between the others.
+struct SyncItem {
+    AppController::SyncKind kind;
+    int index;
+};
+constexpr std::array<SyncItem, 3> syncItems = {{
+    {AppController::finderSelection, 0},
+    {AppController::iTunesCurrentSong, 2},
+    {AppController::iTunesSelection, 3},
+}};
+
+QString pathText(const QByteArray& path) {
+    return cocoaUtils::stringFromText(
+        feMakePathText({path.constData(), static_cast<std::size_t>(path.size())}));
+}
+
+/// The path that a text is meant for.
+QString pathFromText(const QString& text) {
+    const auto path = pathOfFileUri(text);
+    return path ? pathText(*path) : text;
+}
+
+} // namespace
+
+AppController::AppController(SelectionSources* sources, UserDefaults* defaults, QObject* parent)
+    : QObject(parent), sources_(sources), defaults_(defaults) {
+    initStringBundle(bundleIdentifier);
+    svxStringInitString();
+    loadInterface();
+    awakeFromNib();
+}
+
+AppController::~AppController() {
+    defaults_->set(windowGeometry, myWindow->saveGeometry());
+}
+
+void AppController::loadInterface() {
+    mainWindow_ = std::make_unique<QMainWindow>();
+    myWindow = mainWindow_.get();
+    Ui::MainWindow main;
+    main.setupUi(myWindow);
+    fileIconField = main.fileIconField;
+    fileNameField = main.fileNameField;
+    fileSizeField = main.fileSizeField;
+    id3DurationField = main.id3DurationField;
+    id3BitrateEtcField = main.id3BitrateEtcField;
+    id3SongTitleField = main.id3SongTitleField;
+    id3ArtistField = main.id3ArtistField;
+    id3AlbumField = main.id3AlbumField;
+    id3YearField = main.id3YearField;
+    id3ComposerField = main.id3ComposerField;
+    id3EncoderAppField = main.id3EncoderAppField;
+    id3GenreField = main.id3GenreField;
+    id3CommentField = main.id3CommentField;
+    id3TrackNumberField = main.id3TrackNumberField;
+    coverArtDetailsField = main.coverArtDetailsField;
+    id3ChannelsField = main.id3ChannelsField;
+    id3TagVersionField = main.id3TagVersionField;
+    syncCheckbox = main.syncCheckbox;
+    syncMenu = main.syncMenu;
+    findInShelvixPopup = main.findInShelvixPopup;
+    renamePopup = main.renamePopup;
+    editTagsPopup = main.editTagsPopup;
+    lyricsButton = main.lyricsButton;
+    twitterButton = main.twitterButton;
+
+    lyricsWindowOwner_ = std::make_unique<QWidget>();
+    lyricsWindow = lyricsWindowOwner_.get();
+    Ui::LyricsWindow lyrics;
+    lyrics.setupUi(lyricsWindow);
+    lyricsText = lyrics.lyricsText;
+    connectActions(myWindow);
+}
+
+/// A button or command with the property "action" calls the method of that name.
+void AppController::connectActions(QObject* interface) {
+    const auto connectOne = [this](auto* sender, auto signal) {
+        const QByteArray method = sender->property("action").toByteArray();
+        if (!method.isEmpty()) {
+            connect(sender, signal, this,
+                    [this, method] { QMetaObject::invokeMethod(this, method.constData()); });
+        }
+    };
+    for (auto* action : interface->findChildren<QAction*>()) {
+        connectOne(action, &QAction::triggered);
+    }
+    for (auto* button : interface->findChildren<QAbstractButton*>()) {
+        connectOne(button, &QAbstractButton::clicked);
+    }
+}
+
+void AppController::awakeFromNib() {
+    defaults_->registerDefault(finderSync, QStringLiteral("1"));
+    defaults_->registerDefault(syncKindDefaultKey, static_cast<int>(finderSelection));
+
+    gUpdateTimer = new QTimer(this);
+    gUpdateTimer->callOnTimeout(this, &AppController::updateSelection);
+    gUpdateTimer->start(std::chrono::milliseconds(200));
+    connect(sources_, &SelectionSources::answered, this, &AppController::updateSelection,
+            Qt::QueuedConnection);
+
+    syncMenu->insertSeparator(1);
+    syncType = defaults_->integer(syncKindDefaultKey);
+    const auto* item = std::find_if(syncItems.begin(), syncItems.end(),
+                                    [this](const SyncItem& known) { return known.kind == syncType; });
+    if (item == syncItems.end()) {
+        syncType = finderSelection;
+        item = syncItems.begin();
+    }
+    syncMenu->setCurrentIndex(item->index);
+    connect(syncMenu, &QComboBox::activated, this, [this](int index) {
+        for (const SyncItem& chosen : syncItems) {
+            if (chosen.index == index) {
+                useForSync(chosen.kind);
+            }
+        }
+    });
+    syncCheckbox->setChecked(defaults_->integer(finderSync) != 0);
+    connect(syncCheckbox, &QCheckBox::toggled, this, [this](bool isOn) {
+        defaults_->set(finderSync, isOn ? QStringLiteral("1") : QStringLiteral("0"));
+    });
+
+    myWindow->restoreGeometry(defaults_->value(windowGeometry).toByteArray());
+    myWindow->installEventFilter(this);
+    syncCheckbox->setFocus();
+    clearFacts();
+    fileIconField->setIcon(QApplication::windowIcon());
+    enableTwitterButton();
+}
+
+// --- following --------------------------------------------------------------------------------------------
+
+void AppController::useForSync(SyncKind kind) {
+    syncType = kind;
+    defaults_->set(syncKindDefaultKey, static_cast<int>(kind));
+    updateSelection();
+}
+
+void AppController::updateSelection() {
+    if (!syncCheckbox->isChecked() || isUpdatingSelection_) {
+        return;
+    }
+    isUpdatingSelection_ = true;
+    const SelectionSources::Paths paths = querySource();
+    if (paths && paths->size() == 1 && !paths->first().isEmpty()) {
+        updateValuesForNewPath(pathText(paths->first()));
+    }
+    isUpdatingSelection_ = false;
+}
+
+SelectionSources::Paths AppController::querySource() {
+    switch (syncType) {
+    case finderSelection:
+        return getFinderSelection();
+    case iTunesSelection:
+        return getITunesSelection();
+    case iTunesCurrentSong:
+        return getITunesCurrentSong();
+    default:
+        return std::nullopt;
+    }
+}
+
+SelectionSources::Paths AppController::getFinderSelection() {
+    SelectionSources::Paths paths = sources_->fileManagerSelection();
+    return paths && paths->isEmpty() ? std::nullopt : paths;
+}
+
+SelectionSources::Paths AppController::getITunesSelection() {
+    if (!isITunesRunning()) {
+        return std::nullopt;
+    }
+    SelectionSources::Paths paths = sources_->playerSelection();
+    if (!paths || paths->isEmpty()) {
+        return std::nullopt;
+    }
+    paths->removeAll(QByteArray()); // tracks without a file
+    return paths;
+}
+
+SelectionSources::Paths AppController::getITunesCurrentSong() {
+    if (!isITunesRunning()) {
+        return std::nullopt;
+    }
+    SelectionSources::Paths paths = sources_->trackPlaying();
+    if (!paths) {
+        return QList<QByteArray>();
+    }
+    paths->removeAll(QByteArray());
+    return paths;
+}
+
+bool AppController::isITunesRunning() {
+    return sources_->isPlayerRunning();
+}
+
+// --- files from outside -----------------------------------------------------------------------------------
+
+bool AppController::applicationOpenFile(const QString& path) {
+    showMainWindow();
+    return updateValuesForNewPath(path);
+}
+
+void AppController::openFileUserDataError(const QMimeData* pasteboard) {
+    showMainWindow();
+    if (pasteboard != nullptr && pasteboard->hasText()) {
+        updateValuesForNewPath(pathFromText(pasteboard->text()));
+    }
+}
+
+bool AppController::applicationShouldHandleReopenHasVisibleWindows(bool /*hasVisibleWindows*/) {
+    showMainWindow();
+    return true;
+}
+
+bool AppController::applicationShouldTerminateAfterLastWindowClosed() {
+    return false;
+}
+
+void AppController::showMainWindow() {
+    myWindow->setWindowState(myWindow->windowState() & ~Qt::WindowMinimized);
+    myWindow->show();
+    myWindow->raise();
+    myWindow->activateWindow();
+}
+
+void AppController::openDocument() {
+    const QStringList names = QFileDialog::getOpenFileNames(myWindow, QStringLiteral("Open"));
+    for (const QString& name : names) {
+        applicationOpenFile(pathText(QFile::encodeName(name)));
+    }
+}
+
+/// A text that was copied from a terminal or an editor often ends with one line end too many.
+void AppController::pastePath() {
+    const QMimeData* clipboard = QGuiApplication::clipboard()->mimeData();
+    if (takeDropped(clipboard)) {
+        return;
+    }
+    QMimeData pasteboard;
+    if (clipboard != nullptr && clipboard->hasText()) {
+        QString text = clipboard->text();
+        if (text.endsWith(u'\n')) {
+            text.chop(1);
+        }
+        pasteboard.setText(text);
+    }
+    openFileUserDataError(&pasteboard);
+}
+
+void AppController::performClose() {
+    QWidget* window = QApplication::activeWindow();
+    (window != nullptr ? window : myWindow)->close();
+}
+
+void AppController::terminate() {
+    QCoreApplication::quit();
+}
+
+/// Shows the files of a drop or of a file manager's copy, one after the other. False when there are none.
+bool AppController::takeDropped(const QMimeData* data) {
+    bool isTaken = false;
+    const QList<QUrl> urls = data != nullptr ? data->urls() : QList<QUrl>();
+    for (const QUrl& url : urls) {
+        const auto path = pathOfFileUri(QString::fromUtf8(url.toEncoded()));
+        if (path) {
+            applicationOpenFile(pathText(*path));
+            isTaken = true;
+        }
+    }
+    return isTaken;
+}
+
+bool AppController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != myWindow) {
+        return QObject::eventFilter(watched, event);
+    }
+    switch (event->type()) {
+    case QEvent::DragEnter: {
+        auto* drag = static_cast<QDropEvent*>(event); // NOLINT(*-static-cast-downcast): by its type
+        if (drag->mimeData()->hasUrls() || drag->mimeData()->hasText()) {
+            drag->acceptProposedAction();
+        }
+        return true;
+    }
+    case QEvent::Drop: {
+        auto* drop = static_cast<QDropEvent*>(event); // NOLINT(*-static-cast-downcast): by its type
+        if (!takeDropped(drop->mimeData())) {
+            openFileUserDataError(drop->mimeData());
+        }
+        drop->acceptProposedAction();
+        return true;
+    }
+    case QEvent::Close:
+        defaults_->set(windowGeometry, myWindow->saveGeometry());
+        if (hasWayBack_ && !hasWayBack_()) {
+            QMetaObject::invokeMethod(this, &AppController::terminate, Qt::QueuedConnection);
+        }
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace sonarin

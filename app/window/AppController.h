@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/findMenu.h"
+#include "app/renameMenu.h"
+#include "app/window/PictureView.h"
+#include "app/window/PullDownButton.h"
+#include "app/window/ValueLabel.h"
+#include "engine/audioMetaData.h"
+#include "platform/desktop/selectionSources.h"
+#include "platform/desktop/userDefaults.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QMainWindow>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QTimer>
+#include <functional>
+#include <memory>
+
+namespace sonarin {
+
+/// The one controller of the main window: it loads the interface files, follows the chosen source, fills the
+/// panel for every new path, and carries out what the window's menus and buttons ask for. The methods without
+/// arguments that stand under "actions" are called by name from the interface files.
+class AppController : public QObject {
+    Q_OBJECT
+
+public:
+    /// `sources` and `defaults` must outlive the controller.
+    AppController(SelectionSources* sources, UserDefaults* defaults, QObject* parent = nullptr);
+    AppController(const AppController&) = delete;
+    AppController& operator=(const AppController&) = delete;
+    ~AppController() override;
+
+    /// Says whether anything could bring a closed window back; where nothing can, closing it quits.
+    void setWayBack(std::function<bool()> hasWayBack) { hasWayBack_ = std::move(hasWayBack); }
+
+    // --- files from outside -------------------------------------------------------------------------------
+    bool applicationOpenFile(const QString& path);
+    /// A request that hands over a path, or a "file:" URI, as plain text.
+    void openFileUserDataError(const QMimeData* pasteboard);
+    bool applicationShouldHandleReopenHasVisibleWindows(bool hasVisibleWindows);
+    static bool applicationShouldTerminateAfterLastWindowClosed();
+
+    // --- the panel ----------------------------------------------------------------------------------------
+    /// Fills the window for the path (its bytes that are no UTF-8 as U+DC80 to U+DCFF). False for a null
+    /// path, the path shown last, and what is no audio file.
+    bool updateValuesForNewPath(const QString& path);
+    bool acceptPath(const QString& path);
+    void setupFindInShelvixMenu();
+    void setupRenameMenu();
+    void enableTwitterButton();
+    [[nodiscard]] SvxStringRef currentSuffix() const;
+
+    // --- renaming -----------------------------------------------------------------------------------------
+    /// Renames the file in its folder; false, and nothing changed, when it is gone or the name is refused.
+    static bool renameFileAtPath(const QString& path, const SvxStringRef& newName);
+
+    // --- following ----------------------------------------------------------------------------------------
+    void updateSelection();
+    SelectionSources::Paths getFinderSelection();
+    SelectionSources::Paths getITunesSelection();
+    SelectionSources::Paths getITunesCurrentSong();
+    bool isITunesRunning();
+
+public slots:
+    // --- actions ------------------------------------------------------------------------------------------
+    void useFinderForSync() { useForSync(finderSelection); }
+    void useiTunesSelectionForSync() { useForSync(iTunesSelection); }
+    void useCurrentiTunesSongForSync() { useForSync(iTunesCurrentSong); }
+    void showMainWindow();
+    void openDocument();
+    void pastePath();
+    void performClose();
+    void terminate();
+
+    void renameToSongTitle() { rename(RenamePattern::songTitle); }
+    void renameToTrackNumSongTitle() { rename(RenamePattern::trackNumSongTitle); }
+    void renameToArtistSong() { rename(RenamePattern::artistSong); }
+    void renameToArtistAlbumSong() { rename(RenamePattern::artistAlbumSong); }
+
+    void svxFindSong() { find(FindKey::song); }
+    void svxFindAlbum() { find(FindKey::album); }
+    void svxFindArtist() { find(FindKey::artist); }
+    void svxFindYear() { find(FindKey::year); }
+    void svxFindGenre() { find(FindKey::genre); }
+    void svxFindComposer() { find(FindKey::composer); }
+
+    void showLyrics();
+    void sendToTwitter();
+
+public:
+    // --- outlets, made by the interface files
+    // ---------------------------------------------------------------
+    QMainWindow* myWindow = nullptr;
+    PictureView* fileIconField = nullptr;
+    ValueLabel* fileNameField = nullptr;
+    ValueLabel* fileSizeField = nullptr;
+    ValueLabel* id3DurationField = nullptr;
+    ValueLabel* id3BitrateEtcField = nullptr;
+    ValueLabel* id3SongTitleField = nullptr;
+    ValueLabel* id3ArtistField = nullptr;
+    ValueLabel* id3AlbumField = nullptr;
+    ValueLabel* id3YearField = nullptr;
+    ValueLabel* id3ComposerField = nullptr;
+    ValueLabel* id3EncoderAppField = nullptr;
+    ValueLabel* id3GenreField = nullptr;
+    ValueLabel* id3CommentField = nullptr;
+    ValueLabel* id3TrackNumberField = nullptr;
+    ValueLabel* coverArtDetailsField = nullptr;
+    ValueLabel* id3ChannelsField = nullptr;
+    ValueLabel* id3TagVersionField = nullptr;
+    QCheckBox* syncCheckbox = nullptr;
+    QComboBox* syncMenu = nullptr;
+    PullDownButton* findInShelvixPopup = nullptr;
+    PullDownButton* renamePopup = nullptr;
+    PullDownButton* editTagsPopup = nullptr;
+    QPushButton* lyricsButton = nullptr;
+    QPushButton* twitterButton = nullptr;
+    QWidget* lyricsWindow = nullptr;
+    QPlainTextEdit* lyricsText = nullptr;
+
+    // --- state
+    // ----------------------------------------------------------------------------------------------
+    QTimer* gUpdateTimer = nullptr;
+    QString lastPath;                           ///< null before the first file
+    audioTags currentItem;                      ///< of the file at lastPath
+    std::int32_t currentItemType = amdTypeNone; ///< an AudioFileType
+    std::int32_t syncType = finderSelection;    ///< a SyncKind
+
+    /// The sources to follow, as they are stored.
+    enum SyncKind : std::int32_t { finderSelection = 5, iTunesSelection = 6, iTunesCurrentSong = 7 };
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void loadInterface();
+    void connectActions(QObject* interface);
+    void awakeFromNib();
+    void useForSync(SyncKind kind);
+    [[nodiscard]] SelectionSources::Paths querySource();
+    void clearFacts();
+    void showFacts();
+    void showCover();
+    void showLyricsText(const SvxStringRef& lyrics);
+    void finishUpdate();
+    bool takeDropped(const QMimeData* data);
+    void rename(RenamePattern pattern);
+    void find(FindKey key);
+
+    SelectionSources* sources_;
+    UserDefaults* defaults_;
+    std::function<bool()> hasWayBack_;
+    std::unique_ptr<QMainWindow> mainWindow_;
+    std::unique_ptr<QWidget> lyricsWindowOwner_;
+    bool isUpdatingSelection_ = false;
+};
+
+} // namespace sonarin

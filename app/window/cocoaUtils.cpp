@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "app/window/cocoaUtils.h"
+
+#include "text/stringEngine.h"
+
+#include <limits>
+
+namespace sonarin {
+
+void cocoaUtils::setStringValue(ValueLabel* field, const SvxStringRef& text) {
+    constexpr qsizetype mostShown = 5000;
+    field->setValue(text ? stringFromText(text, mostShown) : QStringLiteral(""));
+}
+
+QString cocoaUtils::stringFromText(const SvxStringRef& text, qsizetype most) {
+    if (!text) {
+        return {};
+    }
+    return text->visit([most](auto units) {
+        units = units.substr(0, static_cast<std::size_t>(most));
+        const auto count = static_cast<qsizetype>(units.size());
+        if constexpr (sizeof(units[0]) == 1) {
+            return QString::fromLatin1(units.data(), count);
+        } else {
+            // Not fromUtf16, which would take a byte-order mark away.
+            return QString(reinterpret_cast<const QChar*>(units.data()), count); // NOLINT(*-reinterpret-cast)
+        }
+    });
+}
+
+QString cocoaUtils::stringFromText(const SvxStringRef& text) {
+    return stringFromText(text, std::numeric_limits<qsizetype>::max());
+}
+
+SvxStringRef cocoaUtils::textFromString(const QString& string) {
+    if (string.isNull()) {
+        return nullptr;
+    }
+    // NOLINTNEXTLINE(*-reinterpret-cast)
+    const auto* units = reinterpret_cast<const char16_t*>(string.utf16());
+    return SvxStringFromUTF16({units, static_cast<std::size_t>(string.size())});
+}
+
+} // namespace sonarin

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "app/shownFile.h"
+#include "app/window/AppController.h"
+#include "app/window/TrayPresence.h"
+#include "app/window/cocoaUtils.h"
+#include "engine/fileEngine.h"
+#include "platform/desktop/busSources.h"
+#include "platform/desktop/desktopApplication.h"
+#include "platform/desktop/fileIcon.h"
+#include "platform/desktop/fileUri.h"
+#include "platform/desktop/qtPicture.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <cstdio>
+#include <string_view>
+
+namespace sonarin {
+
+namespace {
+
+constexpr const char* usage =
+    "Usage: sonarin [FILE...]\n"
+    "Opens the window and shows the files in it, the last one stays shown. A running Sonarin\n"
+    "takes them over.\n"
+    "  --help      shows this\n"
+    "  --version   shows the version\n";
+
+/// Whether there is a display to open a window on; Qt would end the program without one.
+bool hasDisplay() {
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+/// The files of the call as absolute paths, since a running program may have another working folder.
+QList<QByteArray> absolutePaths(int argc, char** argv) {
+    QList<QByteArray> paths;
+    bool optionsEnded = false;
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray argument(argv[i]);
+        if (!optionsEnded && argument == "--") {
+            optionsEnded = true;
+        } else if (const auto path = pathOfFileUri(QString::fromUtf8(argument))) {
+            paths.append(*path);
+        } else {
+            paths.append(argument.startsWith('/') ? argument
+                                                  : QFile::encodeName(QDir::currentPath()) + '/' + argument);
+        }
+    }
+    return paths;
+}
+
+QString pathText(const QByteArray& path) {
+    return cocoaUtils::stringFromText(
+        feMakePathText({path.constData(), static_cast<std::size_t>(path.size())}));
+}
+
+QStringList uris(const QList<QByteArray>& paths) {
+    QStringList result;
+    for (const QByteArray& path : paths) {
+        result.append(fileUriOfPath(path));
+    }
+    return result;
+}
+
+void connectWaysIn(DesktopApplication& desktop, AppController& controller) {
+    QObject::connect(&desktop, &DesktopApplication::activated, &controller,
+                     [&controller] { controller.applicationShouldHandleReopenHasVisibleWindows(false); });
+    QObject::connect(&desktop, &DesktopApplication::openRequested, &controller,
+                     [&controller](const QList<QByteArray>& paths) {
+                         for (const QByteArray& path : paths) {
+                             controller.applicationOpenFile(pathText(path));
+                         }
+                     });
+    QObject::connect(&desktop, &DesktopApplication::textReceived, &controller,
+                     [&controller](const QString& text) {
+                         QMimeData pasteboard;
+                         pasteboard.setText(text);
+                         controller.openFileUserDataError(&pasteboard);
+                     });
+}
+
+int run(int argc, char** argv) {
+    const std::string_view first = argc > 1 ? argv[1] : "";
+    if (first == "--help" || first == "-h") {
+        std::fputs(usage, stdout);
+        return 0;
+    }
+    if (first == "--version") {
+        std::puts("sonarin " SONARIN_VERSION);
+        return 0;
+    }
+    if (!hasDisplay()) {
+        std::fputs("sonarin: there is no display; sonarin-info shows the same on a terminal\n", stderr);
+        return 1;
+    }
+    const QList<QByteArray> paths = absolutePaths(argc, argv);
+    QApplication application(argc, argv);
+    QApplication::setDesktopFileName(QLatin1StringView(bundleIdentifier));
+    QApplication::setWindowIcon(programIcon());
+    QApplication::setQuitOnLastWindowClosed(AppController::applicationShouldTerminateAfterLastWindowClosed());
+
+    SessionBus bus;
+    DesktopApplication desktop(&bus, QLatin1StringView(bundleIdentifier));
+    if (!desktop.takeName() && desktop.handOver(uris(paths))) {
+        return 0;
+    }
+    decodePicturesWithQt();
+    BusSources sources(&bus);
+    UserDefaults defaults;
+    AppController controller(&sources, &defaults);
+    const TrayPresence tray(&controller);
+    controller.setWayBack([&] { return tray.isThere() || desktop.hasName(); });
+    connectWaysIn(desktop, controller);
+    controller.showMainWindow();
+    for (const QByteArray& path : paths) {
+        controller.applicationOpenFile(pathText(path));
+    }
+    return QApplication::exec();
+}
+
+} // namespace
+
+} // namespace sonarin
+
+int main(int argc, char** argv) {
+    return sonarin::run(argc, argv);
+}

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#include "platform/desktop/desktopApplication.h"
+
+#include "platform/desktop/fileUri.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+
+namespace sonarin {
+
+namespace {
+
+constexpr const char* interfaceName = "org.freedesktop.Application";
+
+/// The token by which the desktop lets a window come to the front although another program is in use.
+void keepActivationToken(const QVariantMap& platformData) {
+    const QByteArray token = platformData.value(QStringLiteral("activation-token")).toString().toUtf8();
+    if (!token.isEmpty()) {
+        qputenv("XDG_ACTIVATION_TOKEN", token);
+    }
+}
+
+QVariantMap ownPlatformData() {
+    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+    return token.isEmpty() ? QVariantMap() : QVariantMap{{QStringLiteral("activation-token"), token}};
+}
+
+} // namespace
+
+DesktopApplication::DesktopApplication(SessionBus* bus, QString identifier, QObject* parent)
+    : QObject(parent), bus_(bus), identifier_(std::move(identifier)) {
+    connect(bus_, &SessionBus::reconnected, this, &DesktopApplication::takeName);
+}
+
+QString DesktopApplication::objectPath() const {
+    return u'/' + QString(identifier_).replace(u'.', u'/');
+}
+
+bool DesktopApplication::takeName() {
+    hasName_ = false;
+    QDBusConnection connection = bus_->connection();
+    if (!connection.isConnected()) {
+        return true;
+    }
+    // The object first: a request must not meet a name without one.
+    connection.registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots);
+    hasName_ = connection.registerService(identifier_);
+    return hasName_;
+}
+
+bool DesktopApplication::handOver(const QStringList& uris) const {
+    constexpr int patience = 3000; // milliseconds
+    QDBusMessage request =
+        QDBusMessage::createMethodCall(identifier_, objectPath(), QLatin1StringView(interfaceName),
+                                       uris.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open"));
+    if (!uris.isEmpty()) {
+        request << uris;
+    }
+    request << ownPlatformData();
+    request.setAutoStartService(false);
+    return bus_->connection().call(request, QDBus::Block, patience).type() == QDBusMessage::ReplyMessage;
+}
+
+void DesktopApplication::Activate(const QVariantMap& platform_data) {
+    keepActivationToken(platform_data);
+    emit activated();
+}
+
+void DesktopApplication::Open(const QStringList& uris, const QVariantMap& platform_data) {
+    constexpr qsizetype mostFiles = 1000; // each is read and shown in turn
+    if (uris.size() > mostFiles) {
+        sendErrorReply(QDBusError::LimitsExceeded, QStringLiteral("More than 1000 files"));
+        return;
+    }
+    QList<QByteArray> paths;
+    for (const QString& uri : uris) {
+        const auto path = pathOfFileUri(uri);
+        if (!path) {
+            sendErrorReply(QDBusError::InvalidArgs,
+                           QStringLiteral("Not a file on this machine: ") + uri.left(200));
+            return;
+        }
+        paths.append(*path);
+    }
+    keepActivationToken(platform_data);
+    emit openRequested(paths);
+}
+
+void DesktopApplication::ActivateAction(const QString& action_name, const QVariantList& parameter,
+                                        const QVariantMap& platform_data) {
+    const bool isText = parameter.size() == 1 && parameter.first().typeId() == QMetaType::QString;
+    if (action_name != QLatin1StringView("show-path") || !isText) {
+        sendErrorReply(QDBusError::InvalidArgs,
+                       QStringLiteral("The only action is show-path, with one text"));
+        return;
+    }
+    keepActivationToken(platform_data);
+    emit textReceived(parameter.first().toString());
+}
+
+} // namespace sonarin

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/desktop/sessionBus.h"
+
+#include <QDBusContext>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace sonarin {
+
+/// The program as other programs see it on the session bus: one name, and behind it the interface
+/// org.freedesktop.Application (Desktop Entry Specification 1.5, D-Bus activation). Whoever has the name is
+/// the one running program; a second one hands its files over and ends.
+class DesktopApplication : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    /// `identifier` is the name on the bus, such as org.sonarin.Sonarin; the object's path is made of it.
+    DesktopApplication(SessionBus* bus, QString identifier, QObject* parent = nullptr);
+
+    /// Takes the name, and takes it again when the bus comes back. False when another program has it; true as
+    /// well when there is no bus.
+    bool takeName();
+    /// Whether the program can be reached under its name.
+    [[nodiscard]] bool hasName() const { return hasName_ && bus_->isConnected(); }
+
+    /// Hands files (URIs) to the running program, or just brings it to the front. False when it does not
+    /// answer.
+    [[nodiscard]] bool handOver(const QStringList& uris) const;
+
+signals:
+    void activated();
+    void openRequested(const QList<QByteArray>& paths);
+    void textReceived(const QString& text);
+
+public slots:
+    // The methods of the interface. Malformed requests are answered with an error and have no effect.
+    Q_SCRIPTABLE void Activate(const QVariantMap& platform_data);
+    Q_SCRIPTABLE void Open(const QStringList& uris, const QVariantMap& platform_data);
+    Q_SCRIPTABLE void ActivateAction(const QString& action_name, const QVariantList& parameter,
+                                     const QVariantMap& platform_data);
+
+private:
+    [[nodiscard]] QString objectPath() const;
+
+    SessionBus* bus_;
+    QString identifier_;
+    bool hasName_ = false;
+};
+
+} // namespace sonarin

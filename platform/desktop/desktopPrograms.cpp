@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+// No header of Qt here: its keywords and GLib's names do not go together.
+#include "platform/desktop/desktopPrograms.h"
+
+#include <algorithm>
+#include <charconv>
+#include <gio/gdesktopappinfo.h>
+#include <gio/gio.h>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace sonarin {
+
+namespace {
+
+template <auto free>
+struct FreedBy {
+    template <class Thing>
+    void operator()(Thing* thing) const {
+        free(thing);
+    }
+};
+using Text = std::unique_ptr<char, FreedBy<g_free>>;
+using TextList = std::unique_ptr<char*, FreedBy<g_strfreev>>;
+template <class Thing>
+using Object = std::unique_ptr<Thing, FreedBy<g_object_unref>>;
+
+constexpr const char* creatorKey = "X-HFS-Creator";
+
+/// The code that one item of the key's list stands for: "Tagr" or "0x4D6564A8".
+std::optional<std::uint32_t> creatorCode(std::string_view item) {
+    std::uint32_t code = 0;
+    if (item.size() == 10 && (item.substr(0, 2) == "0x" || item.substr(0, 2) == "0X")) {
+        const auto parsed = std::from_chars(item.data() + 2, item.data() + item.size(), code, 16);
+        return parsed.ec == std::errc() && parsed.ptr == item.data() + item.size() ? std::optional(code)
+                                                                                   : std::nullopt;
+    }
+    if (item.size() != 4) {
+        return std::nullopt;
+    }
+    for (const char character : item) {
+        code = (code << 8U) | static_cast<unsigned char>(character);
+    }
+    return code;
+}
+
+std::vector<std::uint32_t> creatorCodes(GDesktopAppInfo* program) {
+    std::vector<std::uint32_t> codes;
+    const TextList items(g_desktop_app_info_get_string_list(program, creatorKey, nullptr));
+    for (char** item = items.get(); item != nullptr && *item != nullptr; ++item) {
+        if (const auto code = creatorCode(*item)) {
+            codes.push_back(*code);
+        }
+    }
+    return codes;
+}
+
+/// Those that are neither hidden nor lack the program that they need.
+std::vector<Object<GDesktopAppInfo>> installedPrograms() {
+    std::vector<Object<GDesktopAppInfo>> programs;
+    GList* all = g_app_info_get_all();
+    for (GList* link = all; link != nullptr; link = link->next) {
+        programs.emplace_back(G_DESKTOP_APP_INFO(link->data));
+    }
+    g_list_free(all);
+    return programs;
+}
+
+bool openFileWith(GDesktopAppInfo* program, const std::string& path) {
+    const Object<GFile> file(g_file_new_for_path(path.c_str()));
+    GList files{file.get(), nullptr, nullptr};
+    return g_app_info_launch(G_APP_INFO(program), &files, nullptr, nullptr) != 0;
+}
+
+} // namespace
+
+bool openUrl(const std::string& url) {
+    const Text scheme(g_uri_parse_scheme(url.c_str()));
+    if (!scheme) {
+        return false;
+    }
+    const Object<GAppInfo> program(g_app_info_get_default_for_uri_scheme(scheme.get()));
+    if (!program) {
+        return false;
+    }
+    std::string copy = url;
+    GList urls{copy.data(), nullptr, nullptr};
+    return g_app_info_launch_uris(program.get(), &urls, nullptr, nullptr) != 0;
+}
+
+std::vector<DesktopEditor> installedEditors() {
+    std::vector<DesktopEditor> editors;
+    for (const auto& program : installedPrograms()) {
+        const char* id = g_app_info_get_id(G_APP_INFO(program.get()));
+        if (id != nullptr && !creatorCodes(program.get()).empty()) {
+            editors.push_back({id, g_app_info_get_display_name(G_APP_INFO(program.get()))});
+        }
+    }
+    std::sort(editors.begin(), editors.end(),
+              [](const DesktopEditor& a, const DesktopEditor& b) { return a.name < b.name; });
+    return editors;
+}
+
+bool openFileWithCreator(const std::string& path, std::uint32_t creator) {
+    for (const auto& program : installedPrograms()) {
+        const std::vector<std::uint32_t> codes = creatorCodes(program.get());
+        if (std::find(codes.begin(), codes.end(), creator) != codes.end()) {
+            return openFileWith(program.get(), path);
+        }
+    }
+    return false;
+}
+
+bool openFileWithProgram(const std::string& path, const std::string& desktopId) {
+    const Object<GDesktopAppInfo> program(g_desktop_app_info_new(desktopId.c_str()));
+    return program && openFileWith(program.get(), path);
+}
+
+} // namespace sonarin

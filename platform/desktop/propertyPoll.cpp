@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+#include "platform/desktop/propertyPoll.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingReply>
+#include <limits>
+
+namespace sonarin {
+
+namespace {
+
+constexpr qint64 deadline = 100; // milliseconds
+
+QDBusMessage busQuestion(const QString& method) {
+    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                          QStringLiteral("/org/freedesktop/DBus"),
+                                          QStringLiteral("org.freedesktop.DBus"), method);
+}
+
+} // namespace
+
+PropertyPoll::PropertyPoll(SessionBus* bus, Family family, QObject* parent)
+    : QObject(parent), bus_(bus), family_(std::move(family)) {
+    connect(bus_, &SessionBus::reconnected, this, &PropertyPoll::start);
+    start();
+}
+
+void PropertyPoll::start() {
+    ++generation_;
+    programs_.clear();
+    QDBusConnection connection = bus_->connection();
+    if (!connection.isConnected()) {
+        return;
+    }
+    const QDBusMessage question = busQuestion(QStringLiteral("ListNames"));
+    connection.connect(question.service(), question.path(), question.interface(),
+                       QStringLiteral("NameOwnerChanged"), this,
+                       SLOT(nameOwnerChanged(QString, QString, QString)));
+    auto* call = new QDBusPendingCallWatcher(connection.asyncCall(question), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
+        call->deleteLater();
+        const QDBusPendingReply<QStringList> names = *call;
+        if (names.isError()) {
+            return;
+        }
+        for (const QString& name : names.value()) {
+            if (name.startsWith(family_.namePrefix)) {
+                askForOwner(name);
+            }
+        }
+    });
+}
+
+void PropertyPoll::askForOwner(const QString& name) {
+    QDBusMessage question = busQuestion(QStringLiteral("GetNameOwner"));
+    question << name;
+    auto* call = new QDBusPendingCallWatcher(bus_->connection().asyncCall(question), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, name] {
+        call->deleteLater();
+        const QDBusPendingReply<QString> owner = *call;
+        if (!owner.isError()) {
+            addName(name, owner.value());
+        }
+    });
+}
+
+void PropertyPoll::nameOwnerChanged(const QString& name, const QString& oldOwner, const QString& newOwner) {
+    if (!name.startsWith(family_.namePrefix)) {
+        return;
+    }
+    if (!oldOwner.isEmpty()) {
+        removeName(name, oldOwner);
+    }
+    if (!newOwner.isEmpty()) {
+        addName(name, newOwner);
+    }
+}
+
+void PropertyPoll::addName(const QString& name, const QString& owner) {
+    QStringList& names = programs_[owner].answer.names;
+    if (!names.contains(name)) {
+        names.append(name);
+    }
+}
+
+void PropertyPoll::removeName(const QString& name, const QString& owner) {
+    const auto program = programs_.find(owner);
+    if (program == programs_.end()) {
+        return;
+    }
+    program->answer.names.removeAll(name);
+    if (program->answer.names.isEmpty()) {
+        programs_.erase(program);
+        emit changed();
+    }
+}
+
+void PropertyPoll::ask() {
+    if (!bus_->isConnected()) {
+        return;
+    }
+    const QStringList owners = programs_.keys();
+    for (const QString& owner : owners) {
+        Program& program = programs_[owner];
+        if (!program.isAsked) {
+            askProgram(owner);
+        } else if (program.hasAnswered && program.asked.elapsed() > deadline) {
+            program.hasAnswered = false;
+            emit changed();
+        }
+    }
+}
+
+void PropertyPoll::askProgram(const QString& owner) {
+    QDBusMessage question = QDBusMessage::createMethodCall(owner, family_.objectPath,
+                                                           QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                           QStringLiteral("GetAll"));
+    question << family_.interface;
+    question.setAutoStartService(false);
+    Program& program = programs_[owner];
+    program.isAsked = true;
+    program.asked.start();
+    // No time-out: the question stays open as long as the program hangs, and ends with the program.
+    const QDBusPendingCall pending = bus_->connection().asyncCall(question, std::numeric_limits<int>::max());
+    auto* call = new QDBusPendingCallWatcher(pending, this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, owner, generation = generation_] {
+        call->deleteLater();
+        if (generation == generation_) {
+            take(owner, call);
+        }
+    });
+}
+
+void PropertyPoll::take(const QString& owner, QDBusPendingCallWatcher* call) {
+    const auto program = programs_.find(owner);
+    if (program == programs_.end()) {
+        return;
+    }
+    program->isAsked = false;
+    const QDBusPendingReply<QVariantMap> reply = *call;
+    const bool isInTime = !reply.isError() && program->asked.elapsed() <= deadline;
+    const QVariant digest = isInTime ? family_.digest(reply.value()) : QVariant();
+    if (isInTime == program->hasAnswered && digest == program->answer.digest) {
+        return;
+    }
+    program->hasAnswered = isInTime;
+    if (isInTime && digest != program->answer.digest) {
+        program->answer.digest = digest;
+        program->answer.changed = ++changes_;
+    }
+    emit changed();
+}
+
+QList<PropertyPoll::Answer> PropertyPoll::answers() const {
+    QList<Answer> answers;
+    for (const Program& program : programs_) {
+        if (program.hasAnswered) {
+            answers.append(program.answer);
+        }
+    }
+    return answers;
+}
+
+} // namespace sonarin

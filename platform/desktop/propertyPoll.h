@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/desktop/sessionBus.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QElapsedTimer>
+#include <QMap>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace sonarin {
+
+/// Asks all programs on the bus with a name of one family for the properties of one interface, again and
+/// again, without ever waiting and without starting one. A program that has not answered yet is not asked
+/// again, so that one that hangs costs nothing.
+class PropertyPoll : public QObject {
+    Q_OBJECT
+
+public:
+    struct Family {
+        QString namePrefix; ///< of well-known bus names, with the full stop at its end
+        QString objectPath;
+        QString interface;
+        /// What counts of the answer; programs are told apart and compared by that.
+        QVariant (*digest)(const QVariantMap& properties);
+    };
+
+    /// A program that answered the last question within a tenth of a second.
+    struct Answer {
+        QStringList names; ///< its names of the family
+        QVariant digest;
+        std::uint64_t changed = 0; ///< greater, the later the digest became what it is
+    };
+
+    PropertyPoll(SessionBus* bus, Family family, QObject* parent = nullptr);
+
+    /// Puts the question to every program that owes no answer.
+    void ask();
+    [[nodiscard]] QList<Answer> answers() const;
+    /// Whether any program has a name of the family.
+    [[nodiscard]] bool isAnyRunning() const { return !programs_.isEmpty(); }
+
+signals:
+    /// Other answers than before.
+    void changed();
+
+private slots:
+    void nameOwnerChanged(const QString& name, const QString& oldOwner, const QString& newOwner);
+
+private:
+    struct Program {
+        Answer answer;
+        bool hasAnswered = false; ///< the last question, in time
+        bool isAsked = false;
+        QElapsedTimer asked;
+    };
+
+    void start();
+    void addName(const QString& name, const QString& owner);
+    void removeName(const QString& name, const QString& owner);
+    void askForOwner(const QString& name);
+    void askProgram(const QString& owner);
+    void take(const QString& owner, QDBusPendingCallWatcher* call);
+
+    SessionBus* bus_;
+    Family family_;
+    QMap<QString, Program> programs_; ///< by unique bus name: two names of one program count once
+    std::uint64_t changes_ = 0;
+    std::uint64_t generation_ = 0; ///< of the connection; answers of an earlier one do not count
+};
+
+} // namespace sonarin

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/host/picture.h"
+
+#include <QImage>
+
+namespace sonarin {
+
+/// A picture decoded by Qt.
+class QtPicture final : public HostPicture {
+public:
+    QtPicture(QImage image, double widthInPoints, double heightInPoints)
+        : image_(std::move(image)), width_(widthInPoints), height_(heightInPoints) {}
+
+    [[nodiscard]] const QImage& image() const noexcept { return image_; }
+    [[nodiscard]] double widthInPoints() const noexcept override { return width_; }
+    [[nodiscard]] double heightInPoints() const noexcept override { return height_; }
+
+private:
+    QImage image_;
+    double width_;
+    double height_;
+};
+
+/// Makes Qt the program's picture decoder: every format that Qt has a plug-in for. A picture that would take
+/// more than 256 MB is refused by what its header says.
+void decodePicturesWithQt();
+
+} // namespace sonarin

@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: MIT
+#include "app/window/cocoaUtils.h"
+#include "platform/desktop/busSources.h"
+#include "platform/desktop/desktopApplication.h"
+#include "tests/window/windowSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <csignal>
+#include <vector>
+
+namespace sonarin {
+
+namespace {
+
+using Paths = QList<QByteArray>;
+const QString syncKind = QStringLiteral("syncKindDefaultKey");
+
+class Following : public testing::Test {
+protected:
+    Following() { forgetPreferences(); }
+
+    std::string song(const std::string& title) { return folder.write(title + ".mp3", songFile(title)); }
+    static Paths paths(const std::vector<std::string>& list) {
+        Paths result;
+        for (const std::string& path : list) {
+            result.append(QByteArray::fromStdString(path));
+        }
+        return result;
+    }
+
+    TestFolder folder;
+    UserDefaults defaults;
+};
+
+TEST_F(Following, StartsWithTheStoredKind) {
+    struct Case {
+        QVariant stored;
+        int kind, item;
+    };
+    for (const Case& c : std::vector<Case>{{QVariant(), 5, 0},
+                                           {0, 5, 0},
+                                           {4, 5, 0},
+                                           {5, 5, 0},
+                                           {6, 6, 3},
+                                           {7, 7, 2},
+                                           {8, 5, 0},
+                                           {"none", 5, 0}}) {
+        forgetPreferences();
+        FixedSources sources;
+        UserDefaults stored;
+        if (c.stored.isValid()) {
+            stored.set(syncKind, c.stored);
+        }
+        const AppController controller(&sources, &stored);
+        EXPECT_EQ(controller.syncType, c.kind);
+        EXPECT_EQ(controller.syncMenu->currentIndex(), c.item);
+        EXPECT_EQ(controller.syncMenu->count(), 4);
+        EXPECT_TRUE(controller.syncCheckbox->isChecked());
+        EXPECT_EQ(sources.questions, 0); // the first tick asks
+        EXPECT_EQ(UserDefaults().value(syncKind),
+                  c.stored.isValid() ? UserDefaults().value(syncKind) : QVariant());
+        UserDefaults fresh;
+        EXPECT_EQ(fresh.value(syncKind).toString(),
+                  c.stored.toString()); // a wrong value stays, a default is not written
+    }
+}
+
+TEST_F(Following, TakesExactlyOnePath) {
+    const std::string a = song("A");
+    const std::string b = song("B");
+    FixedSources sources;
+    AppController controller(&sources, &defaults);
+    const auto shown = [&] { return controller.id3SongTitleField->text().toStdString(); };
+    sources.finder = paths({a});
+    EXPECT_TRUE(waitFor([&] { return shown() == "A"; })); // by the timer
+    sources.finder = paths({a, b});
+    controller.updateSelection();
+    EXPECT_EQ(shown(), "A");
+    sources.finder = Paths();
+    controller.updateSelection();
+    sources.finder = std::nullopt;
+    controller.updateSelection();
+    EXPECT_EQ(shown(), "A");
+    sources.finder = paths({b});
+    controller.updateSelection();
+    EXPECT_EQ(shown(), "B");
+
+    sources.selection = Paths{QByteArray(), QByteArray::fromStdString(a)}; // one of two has a file
+    controller.syncMenu->setCurrentIndex(3);
+    emit controller.syncMenu->activated(3);
+    EXPECT_EQ(controller.syncType, 6);
+    EXPECT_EQ(UserDefaults().value(syncKind).toInt(), 6);
+    EXPECT_EQ(shown(), "A"); // at once
+    sources.track = paths({b});
+    sources.isRunning = false;
+    controller.useCurrentiTunesSongForSync();
+    EXPECT_EQ(shown(), "A");
+    sources.isRunning = true;
+    controller.updateSelection();
+    EXPECT_EQ(shown(), "B");
+
+    controller.syncCheckbox->setChecked(false);
+    const int asked = sources.questions;
+    sources.finder = paths({a});
+    controller.useFinderForSync();
+    runFor(450);
+    EXPECT_EQ(sources.questions, asked);
+    EXPECT_EQ(shown(), "B");
+    EXPECT_EQ(UserDefaults().value(syncKind).toInt(), 5);
+    EXPECT_EQ(UserDefaults().value(QStringLiteral("finderSync")).toString(), "0");
+    FixedSources others;
+    EXPECT_FALSE(AppController(&others, &defaults).syncCheckbox->isChecked());
+}
+
+class OnTheBus : public Following {
+protected:
+    OnTheBus() : sources(&bus), controller(&sources, &defaults) {}
+
+    bool shows(const std::string& title) {
+        return waitFor([&] { return controller.id3SongTitleField->text().toStdString() == title; });
+    }
+
+    SessionBus bus;
+    BusSources sources;
+    AppController controller;
+};
+
+TEST_F(OnTheBus, FollowsTheTrackPlaying) {
+    controller.useCurrentiTunesSongForSync();
+    BusProgram first({QStringLiteral("org.mpris.MediaPlayer2.first")});
+    first.play(song("one"));
+    EXPECT_TRUE(shows("one"));
+    BusProgram second({QStringLiteral("org.mpris.MediaPlayer2.second"),
+                       QStringLiteral("org.mpris.MediaPlayer2.second.instance7")});
+    second.play(song("two"), QStringLiteral("Paused"));
+    runFor(500);
+    EXPECT_TRUE(shows("one")); // playing comes before paused
+    second.play(song("two"));
+    EXPECT_TRUE(shows("two")); // the one that changed last
+    second.tell(QStringLiteral("m xesam:url http://radio.example/stream"));
+    runFor(500);
+    EXPECT_TRUE(shows("two")); // a stream is no file
+    second.tell(QStringLiteral("s PlaybackStatus Stopped"));
+    EXPECT_TRUE(shows("one"));
+    // Players differ in what they encode.
+    const std::string strange = folder.write("50% #1 \xC3\xA9.mp3", songFile("strange"));
+    first.tell(QStringLiteral("m xesam:url file://") + pathOf(strange).replace(u'%', QStringLiteral("%25")));
+    EXPECT_TRUE(shows("strange"));
+}
+
+TEST_F(OnTheBus, FollowsARealPlayer) {
+    controller.useCurrentiTunesSongForSync();
+    QProcess mpv;
+    mpv.setStandardOutputFile(QProcess::nullDevice());
+    mpv.setStandardErrorFile(QProcess::nullDevice());
+    mpv.start(QStringLiteral("mpv"),
+              {QStringLiteral("--no-config"), QStringLiteral("--no-video"), QStringLiteral("--ao=null"),
+               QStringLiteral("--loop=inf"), QStringLiteral("--script=/usr/lib/mpv-mpris/mpris.so"),
+               QStringLiteral(SONARIN_SAMPLES "/sample.m4a")});
+    EXPECT_TRUE(waitFor([&] { return controller.fileNameField->text() == "sample.m4a"; }, 20000));
+    EXPECT_EQ(controller.id3SongTitleField->text(), "Prélude in One Second");
+    mpv.terminate();
+    mpv.waitForFinished();
+}
+
+TEST_F(OnTheBus, IsNotHeldUpByAPlayerThatHangs) {
+    controller.useCurrentiTunesSongForSync();
+    BusProgram frozen({QStringLiteral("org.mpris.MediaPlayer2.frozen")});
+    frozen.play(song("frozen"));
+    EXPECT_TRUE(shows("frozen"));
+    frozen.signal(SIGSTOP);
+    BusProgram other({QStringLiteral("org.mpris.MediaPlayer2.other")});
+    other.play(song("other"), QStringLiteral("Paused"));
+    EXPECT_TRUE(shows("other")); // an answer that does not come does not count
+    frozen.signal(SIGCONT);
+    EXPECT_TRUE(shows("frozen"));
+}
+
+TEST_F(OnTheBus, FollowsPublishedSelections) {
+    BusProgram old({QStringLiteral("org.sonarin.Selection1.FileManager.old")});
+    BusProgram fresh({QStringLiteral("org.sonarin.Selection1.FileManager.fresh")});
+    const std::string one = song("one");
+    const std::string two = song("two");
+    old.select({fileUri(one)}, 10);
+    fresh.select({fileUri(two)}, 20);
+    EXPECT_TRUE(shows("two"));
+    fresh.select({fileUri(one), fileUri(two)}, 20);
+    runFor(500);
+    EXPECT_TRUE(shows("two"));
+    old.select({fileUri(one)}, 30);
+    EXPECT_TRUE(shows("one"));
+
+    BusProgram player({QStringLiteral("org.sonarin.Selection1.Player.p")});
+    player.select({QStringLiteral("http://radio.example/"), fileUri(two)}, 1);
+    controller.useiTunesSelectionForSync();
+    EXPECT_TRUE(shows("two"));
+}
+
+TEST_F(OnTheBus, GoesOnWhenTheBusIsBack) {
+    controller.useCurrentiTunesSongForSync();
+    TestBus::stop();
+    runFor(500);
+    TestBus::start();
+    BusProgram player({QStringLiteral("org.mpris.MediaPlayer2.p")});
+    player.play(song("back"));
+    EXPECT_TRUE(shows("back"));
+}
+
+TEST_F(Following, TheRunningProgramTakesOver) {
+    SessionBus bus;
+    DesktopApplication running(&bus, QStringLiteral("org.sonarin.Test"));
+    ASSERT_TRUE(running.takeName());
+    Paths opened;
+    QString text;
+    int activations = 0;
+    QObject::connect(&running, &DesktopApplication::openRequested,
+                     [&](const Paths& more) { opened += more; });
+    QObject::connect(&running, &DesktopApplication::textReceived, [&](const QString& more) { text = more; });
+    QObject::connect(&running, &DesktopApplication::activated, [&] { ++activations; });
+
+    SessionBus otherBus;
+    EXPECT_FALSE(DesktopApplication(&otherBus, QStringLiteral("org.sonarin.Test")).takeName());
+    const auto call = [&](const char* method, const QVariantList& arguments) {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            QStringLiteral("org.sonarin.Test"), QStringLiteral("/org/sonarin/Test"),
+            QStringLiteral("org.freedesktop.Application"), QString::fromLatin1(method));
+        message.setArguments(arguments);
+        const QDBusPendingCall pending = otherBus.connection().asyncCall(message);
+        waitFor([&] { return pending.isFinished(); });
+        return pending.reply().type() == QDBusMessage::ReplyMessage;
+    };
+    const QVariantMap nothing;
+    EXPECT_TRUE(call("Open", {QStringList{"file:///a%20b.mp3", "file:///c.mp3"}, nothing}));
+    EXPECT_EQ(opened, (Paths{"/a b.mp3", "/c.mp3"}));
+    EXPECT_TRUE(call("Activate", {nothing}));
+    EXPECT_EQ(activations, 1);
+    EXPECT_TRUE(call("ActivateAction", {"show-path", QVariantList{"/x"}, nothing}));
+    EXPECT_EQ(text, "/x");
+    EXPECT_FALSE(call("Open", {"file:///a.mp3", nothing}));
+    EXPECT_FALSE(call("Open", {QStringList{"http://a/b.mp3"}, nothing}));
+    EXPECT_FALSE(call("Open", {QStringList(100000, "file:///a.mp3"), nothing}));
+    EXPECT_FALSE(call("ActivateAction", {"show-path", QVariantList{1}, nothing}));
+    EXPECT_FALSE(call("ActivateAction", {"other", QVariantList{"/x"}, nothing}));
+    EXPECT_EQ(opened.size(), 2);
+}
+
+} // namespace
+
+} // namespace sonarin

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/window/AppController.h"
+#include "tests/support/testFolder.h"
+
+#include <QProcess>
+#include <QStringList>
+#include <functional>
+#include <memory>
+
+/// What the tests of the window share: a bus of their own, programs on it, and a controller with real
+/// widgets.
+namespace sonarin {
+
+/// Runs the event loop until the condition holds; false when it does not within that time.
+bool waitFor(const std::function<bool()>& condition, int milliseconds = 5000);
+/// Runs the event loop for that time.
+void runFor(int milliseconds);
+
+/// The session bus of this test program. The address stays the same when it is started again.
+class TestBus {
+public:
+    static void start();
+    static void stop();
+};
+
+/// Another program on the bus, under one or more names.
+class BusProgram {
+public:
+    explicit BusProgram(const QStringList& names);
+    ~BusProgram();
+    BusProgram(const BusProgram&) = delete;
+    BusProgram& operator=(const BusProgram&) = delete;
+
+    /// Tells it a property, in the words of publisher.cpp.
+    void tell(const QString& line);
+    void play(const std::string& path, const QString& status = QStringLiteral("Playing"));
+    void select(const QStringList& uris, int activeSince);
+    void signal(int number) const;
+
+private:
+    QProcess process_;
+};
+
+/// Answers what the test says.
+class FixedSources final : public SelectionSources {
+public:
+    Paths fileManagerSelection() override { return ++questions, finder; }
+    Paths playerSelection() override { return ++questions, selection; }
+    Paths trackPlaying() override { return ++questions, track; }
+    bool isPlayerRunning() override { return isRunning; }
+
+    Paths finder;
+    Paths selection;
+    Paths track;
+    bool isRunning = true;
+    int questions = 0;
+};
+
+/// Empties the stored preferences.
+void forgetPreferences();
+
+QString pathOf(const std::string& path);
+QString fileUri(const std::string& path);
+
+/// An MPEG file with those texts in its tag.
+std::string songFile(const std::string& title, const std::string& artist = "");
+
+} // namespace sonarin
