@@ -23,9 +23,9 @@ namespace sonarin {
 namespace {
 
 // Preference keys.
-const QString syncKindDefaultKey = QStringLiteral("syncKindDefaultKey");
-const QString finderSync = QStringLiteral("finderSync");
-const QString windowGeometry = QStringLiteral("windowGeometry");
+constexpr QLatin1StringView syncKindDefaultKey("syncKindDefaultKey");
+constexpr QLatin1StringView finderSync("finderSync");
+constexpr QLatin1StringView windowGeometry("windowGeometry");
 
 /// The item of the menu that stands for a sync kind; item 1 is the line between the others.
 struct SyncItem {
@@ -323,7 +323,7 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Close:
         defaults_->set(windowGeometry, myWindow->saveGeometry());
         if (hasWayBack_ && !hasWayBack_()) {
-            QMetaObject::invokeMethod(this, &AppController::terminate, Qt::QueuedConnection);
+            QTimer::singleShot(0, this, &AppController::terminate);
         }
         break;
     default:

@@ -84,15 +84,15 @@ void connectWaysIn(DesktopApplication& desktop, AppController& controller) {
 int run(int argc, char** argv) {
     const std::string_view first = argc > 1 ? argv[1] : "";
     if (first == "--help" || first == "-h") {
-        std::fputs(usage, stdout);
+        (void)std::fputs(usage, stdout);
         return 0;
     }
     if (first == "--version") {
-        std::puts("sonarin " SONARIN_VERSION);
+        (void)std::puts("sonarin " SONARIN_VERSION);
         return 0;
     }
     if (!hasDisplay()) {
-        std::fputs("sonarin: there is no display; sonarin-info shows the same on a terminal\n", stderr);
+        (void)std::fputs("sonarin: there is no display; sonarin-info shows the same on a terminal\n", stderr);
         return 1;
     }
     const QList<QByteArray> paths = absolutePaths(argc, argv);
