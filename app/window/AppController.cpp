@@ -5,9 +5,11 @@
 #include "app/shownFile.h"
 #include "app/window/cocoaUtils.h"
 #include "engine/fileEngine.h"
+#include "platform/desktop/desktopPrograms.h"
 #include "platform/desktop/fileUri.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
+#include "ui_HelpWindow.h"
 #include "ui_LyricsWindow.h"
 #include "ui_MainWindow.h"
 
@@ -16,6 +18,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QMetaMethod>
+#include <QShortcut>
 #include <chrono>
 
 namespace sonarin {
@@ -98,16 +101,28 @@ void AppController::loadInterface() {
     Ui::LyricsWindow lyrics;
     lyrics.setupUi(lyricsWindow);
     lyricsText = lyrics.lyricsText;
+
+    helpWindowOwner_ = std::make_unique<QWidget>();
+    helpWindow = helpWindowOwner_.get();
+    Ui::HelpWindow help;
+    help.setupUi(helpWindow);
+    helpWebView = help.helpWebView;
+
     connectActions(myWindow);
+    for (QWidget* window : {lyricsWindow, helpWindow}) {
+        for (const QKeySequence& key : {QKeySequence(QKeySequence::Close), QKeySequence(Qt::Key_Escape)}) {
+            connect(new QShortcut(key, window), &QShortcut::activated, window, &QWidget::close);
+        }
+    }
 }
 
-/// A button or command with the property "action" calls the method of that name.
+/// A button or command with the property "action" calls the method of that name; a menu has lists of titles
+/// and methods.
 void AppController::connectActions(QObject* interface) {
     const auto connectOne = [this](auto* sender, auto signal) {
         const QByteArray method = sender->property("action").toByteArray();
         if (!method.isEmpty()) {
-            connect(sender, signal, this,
-                    [this, method] { QMetaObject::invokeMethod(this, method.constData()); });
+            connect(sender, signal, this, [this, method] { callAction(method); });
         }
     };
     for (auto* action : interface->findChildren<QAction*>()) {
@@ -116,6 +131,18 @@ void AppController::connectActions(QObject* interface) {
     for (auto* button : interface->findChildren<QAbstractButton*>()) {
         connectOne(button, &QAbstractButton::clicked);
     }
+    for (auto* menu : interface->findChildren<PullDownButton*>()) {
+        const QStringList methods = menu->property("itemActions").toStringList();
+        const QStringList titles = menu->property("itemTitles").toStringList();
+        for (qsizetype i = 0; i < titles.size(); ++i) {
+            menu->addItemWithTitle(titles[i],
+                                   [this, method = methods.value(i).toLatin1()] { callAction(method); });
+        }
+    }
+}
+
+void AppController::callAction(const QByteArray& method) {
+    QMetaObject::invokeMethod(this, method.constData());
 }
 
 void AppController::awakeFromNib() {
@@ -149,6 +176,9 @@ void AppController::awakeFromNib() {
         defaults_->set(finderSync, isOn ? QStringLiteral("1") : QStringLiteral("0"));
     });
 
+    connect(editTagsPopup, &PullDownButton::aboutToPullDown, this, &AppController::addInstalledEditors);
+    connect(helpWebView, &QTextBrowser::anchorClicked, this,
+            [](const QUrl& link) { openUrl(link.toEncoded().toStdString()); });
     myWindow->restoreGeometry(defaults_->value(windowGeometry).toByteArray());
     myWindow->installEventFilter(this);
     syncCheckbox->setFocus();

@@ -15,6 +15,7 @@
 #include <QMainWindow>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QTextBrowser>
 #include <QTimer>
 #include <functional>
 #include <memory>
@@ -88,8 +89,19 @@ public slots:
     void svxFindGenre() { find(FindKey::genre); }
     void svxFindComposer() { find(FindKey::composer); }
 
+    void editWithMediaRage();
+    void editWithTheTagger();
+    void editWithID3X();
+
     void showLyrics();
     void sendToTwitter();
+    void showHelp();
+    void poweredByShelvix();
+    void donate();
+
+    void pullDownFindMenu() { findInShelvixPopup->showMenu(); }
+    void pullDownRenameMenu() { renamePopup->showMenu(); }
+    void pullDownEditTagsMenu() { editTagsPopup->showMenu(); }
 
 public:
     // --- outlets, made by the interface files
@@ -121,6 +133,8 @@ public:
     QPushButton* twitterButton = nullptr;
     QWidget* lyricsWindow = nullptr;
     QPlainTextEdit* lyricsText = nullptr;
+    QWidget* helpWindow = nullptr;
+    QTextBrowser* helpWebView = nullptr;
 
     // --- state
     // ----------------------------------------------------------------------------------------------
@@ -139,6 +153,7 @@ protected:
 private:
     void loadInterface();
     void connectActions(QObject* interface);
+    void callAction(const QByteArray& method);
     void awakeFromNib();
     void useForSync(SyncKind kind);
     [[nodiscard]] SelectionSources::Paths querySource();
@@ -150,12 +165,15 @@ private:
     bool takeDropped(const QMimeData* data);
     void rename(RenamePattern pattern);
     void find(FindKey key);
+    void editWith(std::uint32_t creator, const QString& failure);
+    void addInstalledEditors();
 
     SelectionSources* sources_;
     UserDefaults* defaults_;
     std::function<bool()> hasWayBack_;
     std::unique_ptr<QMainWindow> mainWindow_;
     std::unique_ptr<QWidget> lyricsWindowOwner_;
+    std::unique_ptr<QWidget> helpWindowOwner_;
     bool isUpdatingSelection_ = false;
 };
 

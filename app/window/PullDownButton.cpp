@@ -9,7 +9,10 @@ namespace sonarin {
 
 PullDownButton::PullDownButton(QWidget* parent) : QPushButton(parent), menu_(this) {
     setMenu(&menu_);
-    connect(&menu_, &QMenu::aboutToShow, this, &PullDownButton::fillIn);
+    connect(&menu_, &QMenu::aboutToShow, this, [this] {
+        emit aboutToPullDown();
+        fillIn();
+    });
 }
 
 int PullDownButton::numberOfItems() const {
@@ -28,6 +31,10 @@ void PullDownButton::addItemWithTitle(const QString& title, std::function<void()
     QAction* added = menu_.addAction(QString());
     added->setData(title);
     connect(added, &QAction::triggered, this, [action = std::move(action)] { action(); });
+}
+
+void PullDownButton::addSeparator() {
+    menu_.addSeparator();
 }
 
 QString PullDownButton::itemTitleAtIndex(int index) const {

@@ -22,6 +22,13 @@ public:
     [[nodiscard]] QString itemTitleAtIndex(int index) const;
     void activateItemAtIndex(int index);
 
+    /// Puts a line between the entries before and those to come.
+    void addSeparator();
+
+signals:
+    /// The menu is about to be seen; entries may still be changed.
+    void aboutToPullDown();
+
 private:
     [[nodiscard]] QAction* entry(int index) const;
     void fillIn();

@@ -16,6 +16,7 @@ int main(int argc, char** argv) {
     qputenv("XDG_DATA_HOME", QByteArray::fromStdString(home.path("data")));
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("LC_ALL", "C.UTF-8");
+    sonarin::installPrograms(home);
     sonarin::TestBus::start();
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -13,6 +13,9 @@
 #include <QStandardPaths>
 #include <QThread>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace sonarin {
@@ -20,6 +23,15 @@ namespace sonarin {
 namespace {
 
 std::unique_ptr<QProcess> daemon;
+std::string programFolder; // NOLINT
+
+void installScript(const TestFolder& home, const std::string& name, const std::string& entry) {
+    const std::string script =
+        home.write("programs/" + name, "#!/bin/sh\nprintf '%s\\n' \"$@\" >> \"$0.log\"\n");
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+    home.write("data/applications/" + name + ".desktop",
+               "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=\"" + script + "\" " + entry);
+}
 
 } // namespace
 
@@ -93,6 +105,36 @@ void BusProgram::select(const QStringList& uris, int activeSince) {
 
 void BusProgram::signal(int number) const {
     kill(static_cast<pid_t>(process_.processId()), number);
+}
+
+void installPrograms(const TestFolder& home) {
+    namespace fs = std::filesystem;
+    for (const char* name : {"programs", "config", "data", "data/applications"}) {
+        fs::create_directories(home.path(name));
+    }
+    programFolder = home.path("programs/");
+    installScript(home, "cataloguer", "%u\nMimeType=x-scheme-handler/shelvix;\n");
+    installScript(home, "browser", "%u\nMimeType=x-scheme-handler/http;x-scheme-handler/https;\n");
+    installScript(home, "tagger", "--edit %f\nX-HFS-Creator=Abcd;Tagr\n");
+    installScript(home, "rage", "%U\nNoDisplay=true\nX-HFS-Creator=0x4D6564A8\n");
+    installScript(home, "gone", "%f\nTryExec=/nowhere/gone\nX-HFS-Creator=id3x\n");
+    installScript(home, "hidden", "%f\nHidden=true\nX-HFS-Creator=id3x\n");
+    home.write("config/mimeapps.list", "[Default Applications]\nx-scheme-handler/shelvix=cataloguer.desktop\n"
+                                       "x-scheme-handler/http=browser.desktop\n"
+                                       "x-scheme-handler/https=browser.desktop\n");
+}
+
+std::string calledWith(const std::string& script, int milliseconds) {
+    const std::string log = programFolder + script + ".log";
+    if (!waitFor([&] { return std::filesystem::exists(log) && std::filesystem::file_size(log) > 0; },
+                 milliseconds)) {
+        return {};
+    }
+    runFor(50);
+    std::ifstream file(log);
+    std::string lines((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    std::filesystem::remove(log);
+    return lines;
 }
 
 void forgetPreferences() {

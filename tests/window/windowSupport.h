@@ -58,6 +58,13 @@ public:
     int questions = 0;
 };
 
+/// Puts desktop entries of scripts into the user's data folder, which is `home`/data: one that takes the
+/// cataloguer's URLs, and tag editors. Each writes what it is called with into a file.
+void installPrograms(const TestFolder& home);
+/// What the script of that name was called with since the last time, one argument a line; waits for the first
+/// call.
+std::string calledWith(const std::string& script, int milliseconds = 5000);
+
 /// Empties the stored preferences.
 void forgetPreferences();
 

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/sampleBytes.h"
+#include "tests/window/windowSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+#include <filesystem>
+#include <vector>
+
+namespace sonarin {
+
+namespace {
+
+namespace fs = std::filesystem;
+using sample::bytes;
+using sample::id3Frame;
+using sample::id3Tag;
+using sample::mpegAudio;
+
+class Actions : public testing::Test {
+protected:
+    Actions() {
+        forgetPreferences();
+        controller = std::make_unique<AppController>(&sources, &defaults);
+        controller->gUpdateTimer->stop();
+    }
+
+    std::string showFrames(const std::string& frames, const std::string& name = "x.mp3") {
+        const std::string path = folder.write(name, id3Tag(frames) + mpegAudio(5000));
+        controller->updateValuesForNewPath(QString());
+        controller->lastPath = QString();
+        controller->updateValuesForNewPath(pathOf(path));
+        return path;
+    }
+    static std::string text(const char* id, const std::string& value) {
+        return id3Frame(id, std::string(1, '\0') + value);
+    }
+    /// The alert that the action shows, closed by its button.
+    QString alertOf(const std::function<void()>& action) const {
+        QString shown;
+        QTimer::singleShot(100, [&shown] {
+            auto* alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (alert != nullptr) {
+                shown = alert->text() + '|' + alert->button(QMessageBox::Ok)->text() + '|' +
+                        alert->informativeText();
+                alert->button(QMessageBox::Ok)->click();
+            }
+        });
+        action();
+        runFor(150);
+        return shown;
+    }
+
+    TestFolder folder;
+    FixedSources sources;
+    UserDefaults defaults;
+    std::unique_ptr<AppController> controller;
+};
+
+TEST_F(Actions, RenameByEveryPattern) {
+    const std::string frames =
+        text("TIT2", "Song") + text("TPE1", "Ann") + text("TALB", "Album") + text("TRCK", "3");
+    const std::vector<std::pair<void (AppController::*)(), std::string>> cases = {
+        {&AppController::renameToSongTitle, "Song.mp3"},
+        {&AppController::renameToTrackNumSongTitle, "03 - Song.mp3"},
+        {&AppController::renameToArtistSong, "Ann - Song.mp3"},
+        {&AppController::renameToArtistAlbumSong, "Ann - Album - Song.mp3"}};
+    for (const auto& [action, name] : cases) {
+        const std::string path = showFrames(frames);
+        (controller.get()->*action)();
+        EXPECT_TRUE(fs::exists(folder.path(name))) << name;
+        EXPECT_FALSE(fs::exists(path));
+        EXPECT_EQ(controller->lastPath, pathOf(path)); // until the new path is chosen
+        (controller.get()->*action)();                 // nothing is there any more
+        EXPECT_TRUE(fs::exists(folder.path(name)));
+    }
+    showFrames(frames);
+    EXPECT_EQ(controller->renamePopup->itemTitleAtIndex(2), "Rename to:   03 - Song.mp3");
+    fs::remove(folder.path("03 - Song.mp3"));
+    controller->renamePopup->activateItemAtIndex(2);
+    EXPECT_TRUE(fs::exists(folder.path("03 - Song.mp3")));
+}
+
+TEST_F(Actions, RenameNeitherReplacesNorMoves) {
+    const std::string taken = folder.write("Taken.mp3", "precious");
+    for (const std::string& title :
+         {std::string("Taken"), std::string("../../x"), std::string("a/b"), bytes("a\0b")}) {
+        const std::string path = showFrames(text("TIT2", title));
+        controller->renameToSongTitle();
+        EXPECT_TRUE(fs::exists(path)) << title;
+    }
+    EXPECT_EQ(fs::file_size(taken), 8U);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path("")), fs::directory_iterator()), 2);
+}
+
+TEST_F(Actions, FindHandsOverEscapedUrls) {
+    showFrames(text("TIT2", "AC&DC / 50%") + id3Frame("TPE1", bytes("\1\xFF\xFE\xE9\0")) +
+               text("TALB", "A=b?") + text("TYER", "1999") + text("TCON", "Folk, Rock") +
+               text("TCOM", "$+:;@"));
+    const std::vector<std::pair<void (AppController::*)(), std::string>> cases = {
+        {&AppController::svxFindSong, "song=AC%26DC%20%2F%2050%25"},
+        {&AppController::svxFindAlbum, "album=A%3Db%3F"},
+        {&AppController::svxFindArtist, "artist=%C3%A9"},
+        {&AppController::svxFindYear, "year=1999"},
+        {&AppController::svxFindGenre, "genre=Folk%2C%20Rock"},
+        {&AppController::svxFindComposer, "composer=%24%2B%3A%3B%40"}};
+    for (const auto& [action, query] : cases) {
+        (controller.get()->*action)();
+        EXPECT_EQ(calledWith("cataloguer"), "shelvix://find/audio/&" + query + '\n');
+    }
+    controller->findInShelvixPopup->activateItemAtIndex(4);
+    EXPECT_EQ(calledWith("cataloguer"), "shelvix://find/audio/&year=1999\n");
+    controller->sendToTwitter();
+    EXPECT_EQ(calledWith("browser"),
+              "http://twitter.com/home/?status=Listening+to:+%C3%A9+-+AC%26DC%20%2F%2050%25\n");
+    showFrames(text("TIT2", "alone"));
+    controller->sendToTwitter();
+    EXPECT_EQ(calledWith("browser", 300), "");
+    controller->donate();
+    EXPECT_NE(calledWith("browser").find("https://"), std::string::npos);
+}
+
+TEST_F(Actions, EditorsAreFoundByTheirCode) {
+    const std::string path = showFrames(text("TIT2", "x"), "a b \xC3\xA9.mp3");
+    EXPECT_EQ(alertOf([&] { controller->editWithTheTagger(); }), QString());
+    EXPECT_EQ(calledWith("tagger"), "--edit\n" + path + '\n');
+    controller->editTagsPopup->activateItemAtIndex(1);
+    EXPECT_EQ(calledWith("rage"), path + '\n');
+    const QString missing = alertOf([&] { controller->editWithID3X(); });
+    EXPECT_TRUE(missing.startsWith("The application ID3X could not be found and launched.|"))
+        << missing.toStdString();
+    EXPECT_TRUE(missing.endsWith('|'));
+
+    fs::remove(path);
+    EXPECT_TRUE(alertOf([&] { controller->editWithTheTagger(); }).startsWith("The application The Tagger"));
+    controller->lastPath = QString();
+    EXPECT_TRUE(alertOf([&] { controller->editWithMediaRage(); }).startsWith("The application Media Rage"));
+    EXPECT_EQ(calledWith("tagger", 300) + calledWith("rage", 300), "");
+
+    emit controller->editTagsPopup->aboutToPullDown();
+    emit controller->editTagsPopup->aboutToPullDown(); // entries do not pile up
+    EXPECT_EQ(controller->editTagsPopup->numberOfItems(), 4 + 1 + 2);
+    EXPECT_EQ(controller->editTagsPopup->itemTitleAtIndex(5), "rage");
+}
+
+TEST_F(Actions, LyricsAndHelpHaveTheirWindows) {
+    showFrames(id3Frame("USLT", bytes("\0eng\0<b>la</b>\0")));
+    controller->lyricsButton->click();
+    EXPECT_TRUE(controller->lyricsWindow->isVisible());
+    EXPECT_EQ(controller->lyricsText->toPlainText(), "<b>la</b>");
+    showFrames(text("TIT2", "x"));
+    controller->showLyrics();
+    EXPECT_EQ(controller->lyricsText->toPlainText(), " ");
+
+    controller->showHelp();
+    EXPECT_TRUE(controller->helpWindow->isVisible());
+    EXPECT_TRUE(controller->helpWebView->toPlainText().contains("Renaming"));
+    controller->helpWebView->setPlainText("mine");
+    controller->showHelp(); // visible already: nothing happens
+    EXPECT_EQ(controller->helpWebView->toPlainText(), "mine");
+    controller->helpWindow->close();
+    controller->showHelp();
+    EXPECT_TRUE(controller->helpWebView->toPlainText().contains("Renaming"));
+}
+
+} // namespace
+
+} // namespace sonarin
