@@ -19,6 +19,7 @@
 #include <QFileDialog>
 #include <QMetaMethod>
 #include <QShortcut>
+#include <QTextDocument>
 #include <chrono>
 
 namespace sonarin {
@@ -101,6 +102,7 @@ void AppController::loadInterface() {
     Ui::LyricsWindow lyrics;
     lyrics.setupUi(lyricsWindow);
     lyricsText = lyrics.lyricsText;
+    lyricsText->document()->setDocumentMargin(12);
 
     helpWindowOwner_ = std::make_unique<QWidget>();
     helpWindow = helpWindowOwner_.get();
@@ -134,9 +136,10 @@ void AppController::connectActions(QObject* interface) {
     for (auto* menu : interface->findChildren<PullDownButton*>()) {
         const QStringList methods = menu->property("itemActions").toStringList();
         const QStringList titles = menu->property("itemTitles").toStringList();
-        for (qsizetype i = 0; i < titles.size(); ++i) {
-            menu->addItemWithTitle(titles[i],
-                                   [this, method = methods.value(i).toLatin1()] { callAction(method); });
+        qsizetype next = 0;
+        for (const QString& title : titles) {
+            const QByteArray method = methods.value(next++).toLatin1();
+            menu->addItemWithTitle(title, [this, method] { callAction(method); });
         }
     }
 }
@@ -353,7 +356,7 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Close:
         defaults_->set(windowGeometry, myWindow->saveGeometry());
         if (hasWayBack_ && !hasWayBack_()) {
-            QTimer::singleShot(0, this, &AppController::terminate);
+            QMetaObject::invokeMethod(this, "terminate", Qt::QueuedConnection);
         }
         break;
     default:

@@ -54,16 +54,20 @@ int main(int argc, char** argv) {
     AppController controller(&sources, &defaults);
     controller.showMainWindow();
 
-    const auto take = [&](const char* name) {
+    const auto takeOf = [&](QWidget* window, const char* name) {
         runFor(200);
         const QString path =
             QStringLiteral("%1/%2%3.png")
                 .arg(QLatin1StringView(argv[1]), QLatin1StringView(name), QLatin1StringView(argv[2]));
-        return controller.myWindow->grab().save(path);
+        return window->grab().save(path);
     };
+    const auto take = [&](const char* name) { return takeOf(controller.myWindow, name); };
     bool isDone = take("empty");
     controller.updateValuesForNewPath(pathOf(SONARIN_SAMPLES "/sample.mp3"));
     isDone = take("sample") && isDone;
+    controller.showLyrics();
+    controller.showHelp();
+    isDone = takeOf(controller.lyricsWindow, "lyrics") && takeOf(controller.helpWindow, "help") && isDone;
     QApplication::setPalette(darkPalette());
     isDone = take("dark") && isDone;
     controller.updateValuesForNewPath(pathOf(folder.write("long.mp3", longTexts())));
