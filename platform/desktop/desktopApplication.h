@@ -10,7 +10,7 @@
 namespace sonarin {
 
 /// The program as other programs see it on the session bus: one name, and behind it the interface
-/// org.freedesktop.Application (Desktop Entry Specification 1.5, D-Bus activation). Whoever has the name is
+/// org.freedesktop.Application (D-Bus activation of desktop entries, version 1.5). Whoever has the name is
 /// the one running program; a second one hands its files over and ends.
 class DesktopApplication : public QObject, protected QDBusContext {
     Q_OBJECT

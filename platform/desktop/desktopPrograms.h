@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// The installed programs, by their desktop entries (Desktop Entry Specification 1.5).
+/// The installed programs, by their desktop entries (freedesktop.org, version 1.5).
 namespace sonarin {
 
 /// Hands the URL to the program that the user's desktop has for its scheme. False, with nothing started, when
