@@ -34,12 +34,12 @@ std::string picture() {
     QImage image(400, 400, QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            image.setPixel(x, y, qRgb(x / 2, y / 2, static_cast<int>(random() % 96)));
+            image.setPixel(x, y, qRgb(x / 2, y / 2, static_cast<int>(random() % 256)));
         }
     }
     QByteArray content;
     QBuffer buffer(&content);
-    image.save(&buffer, "JPG", 82);
+    image.save(&buffer, "JPG", 90);
     return content.toStdString();
 }
 

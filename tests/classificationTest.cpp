@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <sys/xattr.h>
 #include <vector>
 
@@ -29,26 +30,17 @@ std::int32_t typeOf(const std::string& path) {
 }
 
 TEST(Classification, GoesByNameWithoutCodes) {
-    for (const auto& [name, type] :
-         std::vector<std::pair<std::string, std::int32_t>>{{"missing.mp3", amdTypeMP3},
-                                                           {"Song.Mp3", amdTypeMP3},
-                                                           {"song.mp3 ", amdTypeNone},
-                                                           {"mp3", amdTypeNone},
-                                                           {"a.m4a", amdTypeM4A},
-                                                           {"a.AAC", amdTypeM4A},
-                                                           {"book.m4b", amdTypeM4P},
-                                                           {"a.M4P", amdTypeM4P},
-                                                           {"a.m4r", amdTypeM4P},
-                                                           {"Song.AIF", amdTypeAIFF},
-                                                           {"song.aiff", amdTypeAIFF},
-                                                           {"song.aifc", amdTypeNone},
-                                                           {"a.wav", amdTypeWAVE},
-                                                           {"a.WAVE", amdTypeWAVE},
-                                                           {"a.mp3.txt", amdTypeNone},
-                                                           {".mp3/", amdTypeMP3},
-                                                           {"", amdTypeNone},
-                                                           {"\xFF.mp3", amdTypeMP3}}) {
-        EXPECT_EQ(typeOf("/nowhere/" + name), type) << name;
+    const std::map<std::int32_t, std::vector<std::string>> namesOfType = {
+        {amdTypeMP3, {"missing.mp3", "Song.Mp3", ".mp3/", "\xFF.mp3"}},
+        {amdTypeM4A, {"a.m4a", "a.AAC"}},
+        {amdTypeM4P, {"book.m4b", "a.M4P", "a.m4r"}},
+        {amdTypeAIFF, {"Song.AIF", "song.aiff"}},
+        {amdTypeWAVE, {"a.wav", "a.WAVE"}},
+        {amdTypeNone, {"song.mp3 ", "mp3", "song.aifc", "a.mp3.txt", ""}}};
+    for (const auto& [type, names] : namesOfType) {
+        for (const std::string& name : names) {
+            EXPECT_EQ(typeOf("/nowhere/" + name), type) << name;
+        }
     }
     EXPECT_EQ(amdAudioFileType(SvxStringGetEmpty()), amdTypeNone);
 }

@@ -127,15 +127,6 @@ TEST(Panel, OffersSearches) {
     EXPECT_TRUE(findTitles({}).empty());
 }
 
-TEST(Panel, ShowsWhatIsNoFile) {
-    const TestFolder folder;
-    const ShownFile missing = readShownFile(feMakePathText(folder.path("missing.mp3")));
-    EXPECT_EQ(missing.type, amdTypeMP3);
-    EXPECT_EQ(missing.result, -1);
-    EXPECT_EQ(plain(panelFileSize(missing.attributes)), "n.a.");
-    EXPECT_EQ(readShownFile(SvxStringGetEmpty()).type, amdTypeNone);
-}
-
 } // namespace
 
 } // namespace sonarin

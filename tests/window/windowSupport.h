@@ -33,7 +33,7 @@ public:
     BusProgram(const BusProgram&) = delete;
     BusProgram& operator=(const BusProgram&) = delete;
 
-    /// Tells it a property, in the words of publisher.cpp.
+    /// Tells it a property, in the words of tools/publisher.cpp.
     void tell(const QString& line);
     void play(const std::string& path, const QString& status = QStringLiteral("Playing"));
     void select(const QStringList& uris, int activeSince);

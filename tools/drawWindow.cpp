@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// screenshots FOLDER SUFFIX: pictures of the window with several files, in the theme's colours and in dark
+// draw-window FOLDER SUFFIX: pictures of the window with several files, in the theme's colours and in dark
 // ones.
 #include "platform/desktop/fileIcon.h"
 #include "platform/desktop/qtPicture.h"
