@@ -9,6 +9,7 @@
 #include "platform/desktop/fileIcon.h"
 #include "platform/desktop/fileUri.h"
 #include "platform/desktop/qtPicture.h"
+#include "platform/desktop/quitSignals.h"
 
 #include <QApplication>
 #include <QDir>
@@ -113,6 +114,7 @@ int run(int argc, char** argv) {
     const TrayPresence tray(&controller);
     controller.setWayBack([&] { return tray.isThere() || desktop.hasName(); });
     connectWaysIn(desktop, controller);
+    onQuitSignals(QCoreApplication::quit);
     controller.showMainWindow();
     for (const QByteArray& path : paths) {
         controller.applicationOpenFile(pathText(path));

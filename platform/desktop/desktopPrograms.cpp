@@ -93,7 +93,8 @@ std::vector<DesktopEditor> installedEditors() {
     std::vector<DesktopEditor> editors;
     for (const auto& program : installedPrograms()) {
         const char* id = g_app_info_get_id(G_APP_INFO(program.get()));
-        if (id != nullptr && !creatorCodes(program.get()).empty()) {
+        const bool isForMenus = g_app_info_should_show(G_APP_INFO(program.get())) != 0;
+        if (id != nullptr && isForMenus && !creatorCodes(program.get()).empty()) {
             editors.push_back({id, g_app_info_get_display_name(G_APP_INFO(program.get()))});
         }
     }

@@ -19,7 +19,7 @@ struct DesktopEditor {
 };
 
 /// The editors among the installed programs: those whose entry carries a creator code in the key
-/// X-HFS-Creator.
+/// X-HFS-Creator and is meant for menus.
 [[nodiscard]] std::vector<DesktopEditor> installedEditors();
 
 /// Opens the file with the installed program whose entry lists the four-character creator code under

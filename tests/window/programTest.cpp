@@ -42,6 +42,10 @@ TEST(Program, ASecondStartHandsOverToTheFirst) {
     ASSERT_TRUE(second.process.waitForFinished(10000));
     EXPECT_EQ(second.process.exitCode(), 0);
     EXPECT_EQ(first.process.state(), QProcess::Running);
+    first.process.terminate(); // as the end of a session does
+    ASSERT_TRUE(first.process.waitForFinished(10000));
+    EXPECT_EQ(first.process.exitStatus(), QProcess::NormalExit);
+    EXPECT_TRUE(UserDefaults().value(QStringLiteral("windowGeometry")).isValid());
 }
 
 TEST(Program, RunsWithoutABus) {

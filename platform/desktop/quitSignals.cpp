@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#include "platform/desktop/quitSignals.h"
+
+#include <csignal>
+#include <initializer_list>
+#include <glib-unix.h>
+
+namespace sonarin {
+
+void onQuitSignals(void (*quit)()) {
+    static void (*chosen)() = nullptr;
+    chosen = quit;
+    // Qt's event loop on Linux is GLib's.
+    for (const int number : {SIGTERM, SIGHUP, SIGINT}) {
+        g_unix_signal_add(
+            number,
+            [](void* /*unused*/) -> gboolean {
+                chosen();
+                return G_SOURCE_CONTINUE;
+            },
+            nullptr);
+    }
+}
+
+} // namespace sonarin
