@@ -4,7 +4,6 @@
 #include "app/panelTexts.h"
 #include "app/shownFile.h"
 #include "app/window/cocoaUtils.h"
-#include "engine/fileEngine.h"
 #include "platform/desktop/desktopPrograms.h"
 #include "platform/desktop/fileUri.h"
 #include "text/CMMCoreFunctions.h"
@@ -42,15 +41,10 @@ constexpr std::array<SyncItem, 3> syncItems = {{
     {AppController::iTunesSelection, 3},
 }};
 
-QString pathText(const QByteArray& path) {
-    return cocoaUtils::stringFromText(
-        feMakePathText({path.constData(), static_cast<std::size_t>(path.size())}));
-}
-
 /// The path that a text is meant for.
 QString pathFromText(const QString& text) {
     const auto path = pathOfFileUri(text);
-    return path ? pathText(*path) : text;
+    return path ? cocoaUtils::pathText(*path) : text;
 }
 
 } // namespace
@@ -205,7 +199,7 @@ void AppController::updateSelection() {
     isUpdatingSelection_ = true;
     const SelectionSources::Paths paths = querySource();
     if (paths && paths->size() == 1 && !paths->first().isEmpty()) {
-        updateValuesForNewPath(pathText(paths->first()));
+        updateValuesForNewPath(cocoaUtils::pathText(paths->first()));
     }
     isUpdatingSelection_ = false;
 }
@@ -289,7 +283,7 @@ void AppController::showMainWindow() {
 void AppController::openDocument() {
     const QStringList names = QFileDialog::getOpenFileNames(myWindow, QStringLiteral("Open"));
     for (const QString& name : names) {
-        applicationOpenFile(pathText(QFile::encodeName(name)));
+        applicationOpenFile(cocoaUtils::pathText(QFile::encodeName(name)));
     }
 }
 
@@ -326,7 +320,7 @@ bool AppController::takeDropped(const QMimeData* data) {
     for (const QUrl& url : urls) {
         const auto path = pathOfFileUri(QString::fromUtf8(url.toEncoded()));
         if (path) {
-            applicationOpenFile(pathText(*path));
+            applicationOpenFile(cocoaUtils::pathText(*path));
             isTaken = true;
         }
     }

@@ -9,10 +9,33 @@
 #include "text/stringEngine.h"
 
 #include <QLocale>
+#include <array>
 
 namespace sonarin {
 
 namespace {
+
+struct FactField {
+    ValueLabel* AppController::*field;
+    SvxStringRef PanelFacts::*text;
+};
+
+/// All fact fields but the cover's, whose text needs the picture.
+constexpr std::array<FactField, 13> factFields = {{
+    {&AppController::id3DurationField, &PanelFacts::id3DurationField},
+    {&AppController::id3SongTitleField, &PanelFacts::id3SongTitleField},
+    {&AppController::id3ArtistField, &PanelFacts::id3ArtistField},
+    {&AppController::id3AlbumField, &PanelFacts::id3AlbumField},
+    {&AppController::id3YearField, &PanelFacts::id3YearField},
+    {&AppController::id3ComposerField, &PanelFacts::id3ComposerField},
+    {&AppController::id3EncoderAppField, &PanelFacts::id3EncoderAppField},
+    {&AppController::id3GenreField, &PanelFacts::id3GenreField},
+    {&AppController::id3CommentField, &PanelFacts::id3CommentField},
+    {&AppController::id3TagVersionField, &PanelFacts::id3TagVersionField},
+    {&AppController::id3TrackNumberField, &PanelFacts::id3TrackNumberField},
+    {&AppController::id3BitrateEtcField, &PanelFacts::id3BitrateEtcField},
+    {&AppController::id3ChannelsField, &PanelFacts::id3ChannelsField},
+}};
 
 /// A window title takes "[*]" for the mark of a changed document, unless it is doubled.
 QString asWindowTitle(QString title) {
@@ -68,12 +91,10 @@ void AppController::finishUpdate() {
 }
 
 void AppController::clearFacts() {
-    for (ValueLabel* field :
-         {id3DurationField, id3BitrateEtcField, id3SongTitleField, id3ArtistField, id3AlbumField,
-          id3YearField, id3ComposerField, id3EncoderAppField, id3GenreField, id3CommentField,
-          id3TrackNumberField, coverArtDetailsField, id3ChannelsField, id3TagVersionField}) {
-        cocoaUtils::setStringValue(field, nullptr);
+    for (const FactField& fact : factFields) {
+        cocoaUtils::setStringValue(this->*fact.field, nullptr);
     }
+    cocoaUtils::setStringValue(coverArtDetailsField, nullptr);
     showLyricsText(panelLyrics(audioTags()));
     lyricsButton->setEnabled(false);
 }
@@ -82,19 +103,9 @@ void AppController::showFacts() {
     lyricsButton->setEnabled(hasLyrics(currentItem));
     showLyricsText(panelLyrics(currentItem));
     const PanelFacts facts = panelFacts(currentItem);
-    cocoaUtils::setStringValue(id3DurationField, facts.id3DurationField);
-    cocoaUtils::setStringValue(id3SongTitleField, facts.id3SongTitleField);
-    cocoaUtils::setStringValue(id3ArtistField, facts.id3ArtistField);
-    cocoaUtils::setStringValue(id3AlbumField, facts.id3AlbumField);
-    cocoaUtils::setStringValue(id3YearField, facts.id3YearField);
-    cocoaUtils::setStringValue(id3ComposerField, facts.id3ComposerField);
-    cocoaUtils::setStringValue(id3EncoderAppField, facts.id3EncoderAppField);
-    cocoaUtils::setStringValue(id3GenreField, facts.id3GenreField);
-    cocoaUtils::setStringValue(id3CommentField, facts.id3CommentField);
-    cocoaUtils::setStringValue(id3TagVersionField, facts.id3TagVersionField);
-    cocoaUtils::setStringValue(id3TrackNumberField, facts.id3TrackNumberField);
-    cocoaUtils::setStringValue(id3BitrateEtcField, facts.id3BitrateEtcField);
-    cocoaUtils::setStringValue(id3ChannelsField, facts.id3ChannelsField);
+    for (const FactField& fact : factFields) {
+        cocoaUtils::setStringValue(this->*fact.field, facts.*fact.text);
+    }
     showCover();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/window/cocoaUtils.h"
 
+#include "engine/fileEngine.h"
 #include "text/stringEngine.h"
 
 #include <limits>
@@ -30,6 +31,10 @@ QString cocoaUtils::stringFromText(const SvxStringRef& text, qsizetype most) {
 
 QString cocoaUtils::stringFromText(const SvxStringRef& text) {
     return stringFromText(text, std::numeric_limits<qsizetype>::max());
+}
+
+QString cocoaUtils::pathText(const QByteArray& path) {
+    return stringFromText(feMakePathText({path.constData(), static_cast<std::size_t>(path.size())}));
 }
 
 SvxStringRef cocoaUtils::textFromString(const QString& string) {

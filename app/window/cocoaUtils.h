@@ -4,6 +4,7 @@
 #include "app/window/ValueLabel.h"
 #include "text/SvxString.h"
 
+#include <QByteArray>
 #include <QString>
 
 namespace sonarin {
@@ -17,6 +18,8 @@ public:
     /// The units of at most the first `most` units of the text; null for the absent text.
     [[nodiscard]] static QString stringFromText(const SvxStringRef& text, qsizetype most);
     [[nodiscard]] static QString stringFromText(const SvxStringRef& text);
+    /// The text of a path given as bytes.
+    [[nodiscard]] static QString pathText(const QByteArray& path);
     [[nodiscard]] static SvxStringRef textFromString(const QString& string);
 };
 

@@ -3,7 +3,6 @@
 #include "app/window/AppController.h"
 #include "app/window/TrayPresence.h"
 #include "app/window/cocoaUtils.h"
-#include "engine/fileEngine.h"
 #include "platform/desktop/busSources.h"
 #include "platform/desktop/desktopApplication.h"
 #include "platform/desktop/fileIcon.h"
@@ -52,11 +51,6 @@ QList<QByteArray> absolutePaths(int argc, char** argv) {
     return paths;
 }
 
-QString pathText(const QByteArray& path) {
-    return cocoaUtils::stringFromText(
-        feMakePathText({path.constData(), static_cast<std::size_t>(path.size())}));
-}
-
 QStringList uris(const QList<QByteArray>& paths) {
     QStringList result;
     for (const QByteArray& path : paths) {
@@ -71,7 +65,7 @@ void connectWaysIn(DesktopApplication& desktop, AppController& controller) {
     QObject::connect(&desktop, &DesktopApplication::openRequested, &controller,
                      [&controller](const QList<QByteArray>& paths) {
                          for (const QByteArray& path : paths) {
-                             controller.applicationOpenFile(pathText(path));
+                             controller.applicationOpenFile(cocoaUtils::pathText(path));
                          }
                      });
     QObject::connect(&desktop, &DesktopApplication::textReceived, &controller,
@@ -117,7 +111,7 @@ int run(int argc, char** argv) {
     onQuitSignals(QCoreApplication::quit);
     controller.showMainWindow();
     for (const QByteArray& path : paths) {
-        controller.applicationOpenFile(pathText(path));
+        controller.applicationOpenFile(cocoaUtils::pathText(path));
     }
     return QApplication::exec();
 }
