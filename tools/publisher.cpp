@@ -23,8 +23,8 @@ public:
         if (message.member() != QLatin1StringView("GetAll")) {
             return false;
         }
-        QVariantMap all = values_;
-        all[QStringLiteral("Metadata")] = metadata_;
+        QVariantMap all{{QStringLiteral("Metadata"), metadata_}};
+        all.insert(values_);
         connection.send(message.createReply(all));
         return true;
     }
@@ -35,6 +35,8 @@ public:
             metadata_[words[1]] = rest;
         } else if (words[0] == QLatin1StringView("as")) {
             values_[words[1]] = words.mid(2);
+        } else if (words[0] == QLatin1StringView("ai")) { // of a type that no property has
+            values_[words[1]] = QVariant::fromValue(QList<int>{1, 2});
         } else if (words[0] == QLatin1StringView("x")) {
             values_[words[1]] = rest.toLongLong();
         } else {

@@ -47,6 +47,12 @@ QString pathFromText(const QString& text) {
     return path ? cocoaUtils::pathText(*path) : text;
 }
 
+/// Accepts a drop as a copy whatever is proposed: after a move its source would delete what was dragged.
+void acceptCopy(QDropEvent* event) {
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
 } // namespace
 
 AppController::AppController(SelectionSources* sources, UserDefaults* defaults, QObject* parent)
@@ -149,8 +155,7 @@ void AppController::awakeFromNib() {
     gUpdateTimer = new QTimer(this);
     gUpdateTimer->callOnTimeout(this, &AppController::updateSelection);
     gUpdateTimer->start(std::chrono::milliseconds(200));
-    connect(sources_, &SelectionSources::answered, this, &AppController::updateSelection,
-            Qt::QueuedConnection);
+    connect(sources_, &SelectionSources::answered, this, &AppController::takeAnswer, Qt::QueuedConnection);
 
     syncMenu->insertSeparator(1);
     syncType = defaults_->integer(syncKindDefaultKey);
@@ -193,7 +198,19 @@ void AppController::useForSync(SyncKind kind) {
 }
 
 void AppController::updateSelection() {
-    if (!syncCheckbox->isChecked() || isUpdatingSelection_) {
+    if (!syncCheckbox->isChecked()) {
+        return;
+    }
+    using Question = SelectionSources::Question;
+    sources_->ask(syncType == iTunesSelection     ? Question::playerSelection
+                  : syncType == iTunesCurrentSong ? Question::trackPlaying
+                                                  : Question::fileManagerSelection);
+    takeAnswer();
+}
+
+/// Shows what the chosen source says, unless somebody is choosing from a menu that this would change.
+void AppController::takeAnswer() {
+    if (!syncCheckbox->isChecked() || isUpdatingSelection_ || QApplication::activePopupWidget() != nullptr) {
         return;
     }
     isUpdatingSelection_ = true;
@@ -218,7 +235,7 @@ SelectionSources::Paths AppController::querySource() {
 }
 
 SelectionSources::Paths AppController::getFinderSelection() {
-    SelectionSources::Paths paths = sources_->fileManagerSelection();
+    SelectionSources::Paths paths = sources_->answer(SelectionSources::Question::fileManagerSelection);
     return paths && paths->isEmpty() ? std::nullopt : paths;
 }
 
@@ -226,7 +243,7 @@ SelectionSources::Paths AppController::getITunesSelection() {
     if (!isITunesRunning()) {
         return std::nullopt;
     }
-    SelectionSources::Paths paths = sources_->playerSelection();
+    SelectionSources::Paths paths = sources_->answer(SelectionSources::Question::playerSelection);
     if (!paths || paths->isEmpty()) {
         return std::nullopt;
     }
@@ -238,7 +255,7 @@ SelectionSources::Paths AppController::getITunesCurrentSong() {
     if (!isITunesRunning()) {
         return std::nullopt;
     }
-    SelectionSources::Paths paths = sources_->trackPlaying();
+    SelectionSources::Paths paths = sources_->answer(SelectionSources::Question::trackPlaying);
     if (!paths) {
         return QList<QByteArray>();
     }
@@ -259,7 +276,8 @@ bool AppController::applicationOpenFile(const QString& path) {
 
 void AppController::openFileUserDataError(const QMimeData* pasteboard) {
     showMainWindow();
-    if (pasteboard != nullptr && pasteboard->hasText()) {
+    constexpr qsizetype longestPath = 3 * 4096; // of escaped bytes
+    if (pasteboard != nullptr && pasteboard->hasText() && pasteboard->text().size() <= longestPath) {
         updateValuesForNewPath(pathFromText(pasteboard->text()));
     }
 }
@@ -278,6 +296,15 @@ void AppController::showMainWindow() {
     myWindow->show();
     myWindow->raise();
     myWindow->activateWindow();
+    qunsetenv("XDG_ACTIVATION_TOKEN"); // is good for one activation, and not for programs started from here
+}
+
+/// What is selected in the field that has the keyboard.
+void AppController::copy() {
+    const auto* label = qobject_cast<QLabel*>(QApplication::focusWidget());
+    if (label != nullptr && label->hasSelectedText()) {
+        QGuiApplication::clipboard()->setText(label->selectedText());
+    }
 }
 
 void AppController::openDocument() {
@@ -297,7 +324,7 @@ void AppController::pastePath() {
     if (clipboard != nullptr && clipboard->hasText()) {
         QString text = clipboard->text();
         if (text.endsWith(u'\n')) {
-            text.chop(1);
+            text.chop(text.endsWith(QLatin1StringView("\r\n")) ? 2 : 1);
         }
         pasteboard.setText(text);
     }
@@ -335,7 +362,7 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::DragEnter: {
         auto* drag = static_cast<QDropEvent*>(event); // NOLINT(*-static-cast-downcast): by its type
         if (drag->mimeData()->hasUrls() || drag->mimeData()->hasText()) {
-            drag->acceptProposedAction();
+            acceptCopy(drag);
         }
         return true;
     }
@@ -344,7 +371,7 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
         if (!takeDropped(drop->mimeData())) {
             openFileUserDataError(drop->mimeData());
         }
-        drop->acceptProposedAction();
+        acceptCopy(drop);
         return true;
     }
     case QEvent::Close:

@@ -61,6 +61,7 @@ public:
 
     // --- following ----------------------------------------------------------------------------------------
     void updateSelection();
+    void takeAnswer();
     SelectionSources::Paths getFinderSelection();
     SelectionSources::Paths getITunesSelection();
     SelectionSources::Paths getITunesCurrentSong();
@@ -73,6 +74,7 @@ public slots:
     void useCurrentiTunesSongForSync() { useForSync(iTunesCurrentSong); }
     void showMainWindow();
     void openDocument();
+    void copy();
     void pastePath();
     void performClose();
     void terminate();
@@ -166,6 +168,7 @@ private:
     void rename(RenamePattern pattern);
     void find(FindKey key);
     void editWith(std::uint32_t creator, const QString& failure);
+    void showAlert(const QString& title);
     void addInstalledEditors();
 
     SelectionSources* sources_;

@@ -34,6 +34,7 @@ std::string existingItem(const QString& path) {
 }
 
 void bringToFront(QWidget* window) {
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
     window->show();
     window->raise();
     window->activateWindow();
@@ -71,10 +72,13 @@ void AppController::editWithID3X() {
 
 void AppController::editWith(std::uint32_t creator, const QString& failure) {
     const std::string path = existingItem(lastPath);
-    if (!path.empty() && openFileWithCreator(path, creator)) {
-        return;
+    if (path.empty() || !openFileWithCreator(path, creator)) {
+        showAlert(failure);
     }
-    QMessageBox alert(QMessageBox::Warning, QStringLiteral("Sonarin"), failure, QMessageBox::Ok, myWindow);
+}
+
+void AppController::showAlert(const QString& title) {
+    QMessageBox alert(QMessageBox::Warning, QStringLiteral("Sonarin"), title, QMessageBox::Ok, myWindow);
     alert.setTextFormat(Qt::PlainText);
     alert.exec();
 }
@@ -90,10 +94,11 @@ void AppController::addInstalledEditors() {
         editTagsPopup->addSeparator();
     }
     for (const DesktopEditor& editor : editors) {
-        editTagsPopup->addItemWithTitle(QString::fromStdString(editor.name), [this, id = editor.desktopId] {
+        const QString name = QString::fromStdString(editor.name);
+        editTagsPopup->addItemWithTitle(name, [this, id = editor.desktopId, name] {
             const std::string path = existingItem(lastPath);
-            if (!path.empty()) {
-                openFileWithProgram(path, id);
+            if (path.empty() || !openFileWithProgram(path, id)) {
+                showAlert(QStringLiteral("The application %1 could not be found and launched.").arg(name));
             }
         });
     }
@@ -111,7 +116,7 @@ void AppController::sendToTwitter() {
 }
 
 void AppController::showHelp() {
-    if (helpWindow->isVisible()) {
+    if (helpWindow->isVisible() && !helpWindow->isMinimized()) {
         return;
     }
     loadHelpPage();

@@ -39,7 +39,23 @@ constexpr std::array<FactField, 13> factFields = {{
 
 /// A window title takes "[*]" for the mark of a changed document, unless it is doubled.
 QString asWindowTitle(QString title) {
+    constexpr qsizetype longest = 1000; // a display refuses what is longer by far
+    title.truncate(longest);
     return withVisibleControls(title.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
+}
+
+/// The length of the text up to where a line becomes too long.
+qsizetype lengthToShow(const QString& text) {
+    constexpr qsizetype longestLine = 10000;
+    for (qsizetype start = 0; start < text.size();) {
+        const qsizetype found = text.indexOf(u'\n', start);
+        const qsizetype end = found < 0 ? text.size() : found;
+        if (end - start > longestLine) {
+            return start + longestLine;
+        }
+        start = end + 1;
+    }
+    return text.size();
 }
 
 void removeEntries(PullDownButton* menu) {
@@ -120,14 +136,16 @@ void AppController::showCover() {
     }
 }
 
-/// Far more than any song has is cut: laying out megabytes would hold the window up.
+/// Far more than any song has is cut, and a line that is far too long: laying them out would hold the window
+/// up.
 void AppController::showLyricsText(const SvxStringRef& lyrics) {
     constexpr SvxIndex mostShown = 200000;
     QString shown = cocoaUtils::stringFromText(lyrics, mostShown);
+    shown.truncate(lengthToShow(shown));
     const SvxIndex length = SvxStringGetLength(lyrics);
-    if (length > mostShown) {
+    if (length > shown.size()) {
         shown += QStringLiteral("\n\n[Cut here: %1 of %2 characters are shown.]")
-                     .arg(QLocale().toString(qlonglong{mostShown}), QLocale().toString(qlonglong{length}));
+                     .arg(QLocale().toString(shown.size()), QLocale().toString(qlonglong{length}));
     }
     lyricsText->setPlainText(shown);
 }

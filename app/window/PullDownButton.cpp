@@ -24,6 +24,7 @@ QAction* PullDownButton::entry(int index) const {
 }
 
 void PullDownButton::removeItemAtIndex(int index) {
+    menu_.close(); // what is chosen from it must be what was read there
     delete entry(index);
 }
 

@@ -4,6 +4,7 @@
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QStyleOption>
 #include <QToolTip>
 
 namespace sonarin {
@@ -11,7 +12,7 @@ namespace sonarin {
 namespace {
 
 /// More than any screen shows; laying out megabytes would hold the window up.
-constexpr qsizetype longestShown = 4000;
+constexpr qsizetype longestShown = 20000;
 
 } // namespace
 
@@ -58,7 +59,8 @@ QSize ValueLabel::minimumSizeHint() const {
 }
 
 QString ValueLabel::oneLine() const {
-    return withVisibleControls(text());
+    constexpr qsizetype widerThanAnyScreen = 4000;
+    return withVisibleControls(text().left(widerThanAnyScreen));
 }
 
 bool ValueLabel::isCut() const {
@@ -68,7 +70,7 @@ bool ValueLabel::isCut() const {
 
 void ValueLabel::paintEvent(QPaintEvent* event) {
     // While something is selected the whole text is at work, not its cut copy.
-    if (hasSelectedText() || hasFocus() || !isCut()) {
+    if (hasSelectedText() || !isCut()) {
         QLabel::paintEvent(event);
         return;
     }
@@ -79,6 +81,11 @@ void ValueLabel::paintEvent(QPaintEvent* event) {
     const Qt::LayoutDirection direction = line.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;
     painter.setLayoutDirection(direction);
     painter.drawText(contentsRect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);
+    if (hasFocus()) {
+        QStyleOptionFocusRect focus;
+        focus.initFrom(this);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+    }
 }
 
 bool ValueLabel::event(QEvent* event) {
@@ -91,7 +98,7 @@ bool ValueLabel::event(QEvent* event) {
 }
 
 QString plainToolTip(const QString& text) {
-    constexpr qsizetype longest = 1000;
+    constexpr qsizetype longest = 20000;
     const QString shown = text.size() > longest ? text.left(longest) + u'…' : text;
     // Marked up by ourselves, so that nothing in the text is taken for mark-up.
     return shown.isEmpty()

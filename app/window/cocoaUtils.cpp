@@ -9,7 +9,7 @@
 namespace sonarin {
 
 void cocoaUtils::setStringValue(ValueLabel* field, const SvxStringRef& text) {
-    constexpr qsizetype mostShown = 5000;
+    constexpr qsizetype mostShown = 30000; // the field cuts what is longer than it holds
     field->setValue(text ? stringFromText(text, mostShown) : QStringLiteral(""));
 }
 

@@ -11,10 +11,10 @@
 #include "platform/desktop/quitSignals.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFile>
 #include <cstdio>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 namespace sonarin {
 
@@ -29,23 +29,24 @@ constexpr const char* usage =
 
 /// Whether there is a display to open a window on; Qt would end the program without one.
 bool hasDisplay() {
-    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
-           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 }
 
 /// The files of the call as absolute paths, since a running program may have another working folder.
 QList<QByteArray> absolutePaths(int argc, char** argv) {
+    std::error_code unknown;
+    const auto workingFolder = QByteArray::fromStdString(std::filesystem::current_path(unknown).string());
     QList<QByteArray> paths;
     bool optionsEnded = false;
     for (int i = 1; i < argc; ++i) {
         const QByteArray argument(argv[i]);
         if (!optionsEnded && argument == "--") {
             optionsEnded = true;
-        } else if (const auto path = pathOfFileUri(QString::fromUtf8(argument))) {
+        } else if (const auto path = pathOfFileUri(argument)) {
             paths.append(*path);
         } else {
-            paths.append(argument.startsWith('/') ? argument
-                                                  : QFile::encodeName(QDir::currentPath()) + '/' + argument);
+            paths.append(argument.startsWith('/') ? argument : workingFolder + '/' + argument);
         }
     }
     return paths;
@@ -107,6 +108,11 @@ int run(int argc, char** argv) {
     AppController controller(&sources, &defaults);
     const TrayPresence tray(&controller);
     controller.setWayBack([&] { return tray.isThere() || desktop.hasName(); });
+    QObject::connect(&bus, &SessionBus::lost, &controller, [&] {
+        if (!controller.myWindow->isVisible() && !tray.isThere()) {
+            QCoreApplication::quit(); // nobody could bring the window back
+        }
+    });
     connectWaysIn(desktop, controller);
     onQuitSignals(QCoreApplication::quit);
     controller.showMainWindow();

@@ -16,9 +16,17 @@ QVariant digestSelection(const QVariantMap& properties) {
     return QVariantList{properties.value(QStringLiteral("ActiveSince")).toLongLong(), selected};
 }
 
+/// The track's metadata; none where a player sends something of another type, which must not be taken apart.
+QVariantMap metadataOf(const QVariantMap& properties) {
+    const QVariant metadata = properties.value(QStringLiteral("Metadata"));
+    const bool isMap = metadata.metaType() == QMetaType::fromType<QDBusArgument>() &&
+                       metadata.value<QDBusArgument>().currentSignature() == QLatin1StringView("a{sv}");
+    return isMap ? qdbus_cast<QVariantMap>(metadata) : QVariantMap();
+}
+
 /// The digest of a player: its status, its track's URL and identity.
 QVariant digestPlayer(const QVariantMap& properties) {
-    const auto metadata = qdbus_cast<QVariantMap>(properties.value(QStringLiteral("Metadata")));
+    const QVariantMap metadata = metadataOf(properties);
     QVariant track = metadata.value(QStringLiteral("mpris:trackid"));
     if (track.canConvert<QDBusObjectPath>()) {
         track = track.value<QDBusObjectPath>().path();
@@ -42,8 +50,7 @@ PropertyPoll::Family playerFamily() {
             QStringLiteral("org.mpris.MediaPlayer2.Player"), digestPlayer};
 }
 
-SelectionSources::Paths selectionIn(PropertyPoll& poll) {
-    poll.ask();
+SelectionSources::Paths selectionIn(const PropertyPoll& poll) {
     const QList<PropertyPoll::Answer> answers = poll.answers();
     if (answers.isEmpty()) {
         return std::nullopt;
@@ -79,16 +86,33 @@ BusSources::BusSources(SessionBus* bus, QObject* parent)
     connect(&cmus_, &CmusRemote::changed, this, &SelectionSources::answered);
 }
 
-SelectionSources::Paths BusSources::fileManagerSelection() {
-    return selectionIn(fileManagers_);
+void BusSources::ask(Question question) {
+    switch (question) {
+    case Question::fileManagerSelection:
+        fileManagers_.ask();
+        break;
+    case Question::playerSelection:
+        playerSelections_.ask();
+        break;
+    case Question::trackPlaying:
+        players_.ask();
+        break;
+    }
 }
 
-SelectionSources::Paths BusSources::playerSelection() {
-    return selectionIn(playerSelections_);
+SelectionSources::Paths BusSources::answer(Question question) {
+    switch (question) {
+    case Question::fileManagerSelection:
+        return selectionIn(fileManagers_);
+    case Question::playerSelection:
+        return selectionIn(playerSelections_);
+    case Question::trackPlaying:
+        return trackPlaying();
+    }
+    return std::nullopt;
 }
 
 SelectionSources::Paths BusSources::trackPlaying() {
-    players_.ask();
     const QList<PropertyPoll::Answer> answers = players_.answers();
     const auto best = std::max_element(answers.begin(), answers.end(), [](const auto& a, const auto& b) {
         return std::pair(rank(a), a.changed) < std::pair(rank(b), b.changed);
@@ -103,7 +127,7 @@ SelectionSources::Paths BusSources::trackPlaying() {
     return QList<QByteArray>{pathOf(facts.value(1))};
 }
 
-bool BusSources::isPlayerRunning() {
+bool BusSources::isPlayerRunning() const {
     return players_.isAnyRunning() || playerSelections_.isAnyRunning();
 }
 

@@ -16,12 +16,13 @@ class BusSources final : public SelectionSources {
 public:
     explicit BusSources(SessionBus* bus, QObject* parent = nullptr);
 
-    Paths fileManagerSelection() override;
-    Paths playerSelection() override;
-    Paths trackPlaying() override;
-    bool isPlayerRunning() override;
+    void ask(Question question) override;
+    Paths answer(Question question) override;
+    [[nodiscard]] bool isPlayerRunning() const override;
 
 private:
+    Paths trackPlaying();
+
     PropertyPoll fileManagers_;
     PropertyPoll playerSelections_;
     PropertyPoll players_;

@@ -2,6 +2,7 @@
 #include "platform/desktop/cmusRemote.h"
 
 #include <chrono>
+#include <utility>
 
 namespace sonarin {
 
@@ -16,9 +17,14 @@ CmusRemote::CmusRemote(QObject* parent) : QObject(parent) {
 }
 
 QByteArray CmusRemote::fileOf(std::uint64_t track) {
-    if (track != track_ && process_.state() == QProcess::NotRunning) {
+    constexpr qint64 again = 2000; // milliseconds
+    const bool isDue = track != track_ || !started_.isValid() || started_.elapsed() > again;
+    if (isDue && process_.state() == QProcess::NotRunning) {
+        if (track != track_) {
+            file_.clear();
+        }
         track_ = track;
-        file_.clear();
+        started_.start();
         process_.start(QIODevice::ReadOnly);
         deadline_.start();
     }
@@ -30,8 +36,9 @@ void CmusRemote::take() {
     const QByteArrayList lines = process_.readAllStandardOutput().split('\n');
     for (const QByteArray& line : lines) {
         if (line.startsWith("file /")) {
-            file_ = line.mid(5);
-            emit changed();
+            if (std::exchange(file_, line.mid(5)) != file_) {
+                emit changed();
+            }
             return;
         }
     }

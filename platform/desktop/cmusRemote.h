@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QProcess>
 #include <QTimer>
@@ -16,8 +17,8 @@ class CmusRemote : public QObject {
 public:
     explicit CmusRemote(QObject* parent = nullptr);
 
-    /// The path of the file that plays, as far as it is known by now; asks once for every new value of
-    /// `track`.
+    /// The path of the file that plays, as far as it is known by now; asks at every new value of `track`, and
+    /// now and then.
     QByteArray fileOf(std::uint64_t track);
 
 signals:
@@ -28,6 +29,7 @@ private:
 
     QProcess process_;
     QTimer deadline_;
+    QElapsedTimer started_;
     std::uint64_t track_ = 0;
     QByteArray file_;
 };

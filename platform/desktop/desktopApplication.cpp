@@ -5,10 +5,15 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QTimer>
+#include <algorithm>
 
 namespace sonarin {
 
 namespace {
+
+constexpr qsizetype mostFiles = 1000; // in one request: each is read and shown in turn
+constexpr qsizetype longestText = 3 * 4096;
 
 constexpr const char* interfaceName = "org.freedesktop.Application";
 
@@ -54,7 +59,8 @@ bool DesktopApplication::handOver(const QStringList& uris) const {
         QDBusMessage::createMethodCall(identifier_, objectPath(), QLatin1StringView(interfaceName),
                                        uris.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open"));
     if (!uris.isEmpty()) {
-        request << uris;
+        // Only the last one stays shown anyhow.
+        request << uris.mid(std::max<qsizetype>(0, uris.size() - mostFiles));
     }
     request << ownPlatformData();
     request.setAutoStartService(false);
@@ -67,7 +73,6 @@ void DesktopApplication::Activate(const QVariantMap& platform_data) {
 }
 
 void DesktopApplication::Open(const QStringList& uris, const QVariantMap& platform_data) {
-    constexpr qsizetype mostFiles = 1000; // each is read and shown in turn
     if (uris.size() > mostFiles) {
         sendErrorReply(QDBusError::LimitsExceeded, QStringLiteral("More than 1000 files"));
         return;
@@ -83,7 +88,8 @@ void DesktopApplication::Open(const QStringList& uris, const QVariantMap& platfo
         paths.append(*path);
     }
     keepActivationToken(platform_data);
-    emit openRequested(paths);
+    // The caller need not wait until all have been read.
+    QTimer::singleShot(0, this, [this, paths] { emit openRequested(paths); });
 }
 
 void DesktopApplication::ActivateAction(const QString& action_name, const QVariantList& parameter,
@@ -92,6 +98,10 @@ void DesktopApplication::ActivateAction(const QString& action_name, const QVaria
     if (action_name != QLatin1StringView("show-path") || !isText) {
         sendErrorReply(QDBusError::InvalidArgs,
                        QStringLiteral("The only action is show-path, with one text"));
+        return;
+    }
+    if (parameter.first().toString().size() > longestText) {
+        sendErrorReply(QDBusError::LimitsExceeded, QStringLiteral("Too long for a path"));
         return;
     }
     keepActivationToken(platform_data);

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <unistd.h>
 
 namespace sonarin {
 
@@ -56,7 +57,25 @@ std::vector<std::uint32_t> creatorCodes(GDesktopAppInfo* program) {
     return codes;
 }
 
-/// Those that are neither hidden nor lack the program that they need.
+/// The place of the folder that an entry comes from: the user's own folder before those of the system, in
+/// their order.
+std::size_t precedence(GDesktopAppInfo* program) {
+    const char* file = g_desktop_app_info_get_filename(program);
+    const auto isIn = [file](const char* folder) {
+        return file != nullptr && g_str_has_prefix(file, folder) != 0;
+    };
+    if (isIn(g_get_user_data_dir())) {
+        return 0;
+    }
+    std::size_t place = 1;
+    for (const char* const* folder = g_get_system_data_dirs(); *folder != nullptr && !isIn(*folder);
+         ++folder) {
+        ++place;
+    }
+    return place;
+}
+
+/// Those that are neither hidden nor lack the program that they need, the user's own first.
 std::vector<Object<GDesktopAppInfo>> installedPrograms() {
     std::vector<Object<GDesktopAppInfo>> programs;
     GList* all = g_app_info_get_all();
@@ -64,13 +83,23 @@ std::vector<Object<GDesktopAppInfo>> installedPrograms() {
         programs.emplace_back(G_DESKTOP_APP_INFO(link->data));
     }
     g_list_free(all);
+    std::stable_sort(programs.begin(), programs.end(),
+                     [](const auto& a, const auto& b) { return precedence(a.get()) < precedence(b.get()); });
     return programs;
+}
+
+/// Starts the program in a session of its own, so that it does not end with this one's terminal.
+bool launch(GDesktopAppInfo* program, std::string uri) {
+    GList uris{uri.data(), nullptr, nullptr};
+    const auto startSession = [](void* /*unused*/) { setsid(); };
+    return g_desktop_app_info_launch_uris_as_manager(program, &uris, nullptr, G_SPAWN_SEARCH_PATH,
+                                                     startSession, nullptr, nullptr, nullptr, nullptr) != 0;
 }
 
 bool openFileWith(GDesktopAppInfo* program, const std::string& path) {
     const Object<GFile> file(g_file_new_for_path(path.c_str()));
-    GList files{file.get(), nullptr, nullptr};
-    return g_app_info_launch(G_APP_INFO(program), &files, nullptr, nullptr) != 0;
+    const Text uri(g_file_get_uri(file.get()));
+    return launch(program, uri.get());
 }
 
 } // namespace
@@ -84,9 +113,7 @@ bool openUrl(const std::string& url) {
     if (!program) {
         return false;
     }
-    std::string copy = url;
-    GList urls{copy.data(), nullptr, nullptr};
-    return g_app_info_launch_uris(program.get(), &urls, nullptr, nullptr) != 0;
+    return launch(G_DESKTOP_APP_INFO(program.get()), url);
 }
 
 std::vector<DesktopEditor> installedEditors() {

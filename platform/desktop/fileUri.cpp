@@ -3,25 +3,29 @@
 
 namespace sonarin {
 
-std::optional<QByteArray> pathOfFileUri(const QString& uri) {
-    constexpr QLatin1StringView scheme("file:");
-    if (!uri.startsWith(scheme, Qt::CaseInsensitive)) {
+std::optional<QByteArray> pathOfFileUri(const QByteArray& uri) {
+    constexpr qsizetype schemeLength = 5;
+    if (uri.left(schemeLength).toLower() != "file:") {
         return std::nullopt;
     }
-    QString rest = uri.mid(scheme.size());
-    if (rest.startsWith(QLatin1StringView("//"))) {
-        const qsizetype pathStart = rest.indexOf(u'/', 2);
-        const QString host = rest.mid(2, pathStart - 2);
-        if (pathStart < 0 || !(host.isEmpty() || host == QLatin1StringView("localhost"))) {
+    QByteArray rest = uri.mid(schemeLength);
+    if (rest.startsWith("//")) {
+        const qsizetype pathStart = rest.indexOf('/', 2);
+        const QByteArray host = rest.mid(2, pathStart - 2);
+        if (pathStart < 0 || !(host.isEmpty() || host == "localhost")) {
             return std::nullopt;
         }
         rest = rest.mid(pathStart);
     }
-    QByteArray path = QByteArray::fromPercentEncoding(rest.toUtf8());
+    QByteArray path = QByteArray::fromPercentEncoding(rest);
     if (!path.startsWith('/') || path.contains('\0')) {
         return std::nullopt;
     }
     return path;
+}
+
+std::optional<QByteArray> pathOfFileUri(const QString& uri) {
+    return pathOfFileUri(uri.toUtf8());
 }
 
 QString fileUriOfPath(const QByteArray& path) {

@@ -11,6 +11,7 @@ namespace sonarin {
 /// The path of a file on this machine; nothing for any other scheme or host, or for a URI with a zero byte.
 /// Whatever is not percent-encoded is taken as it stands, "#" and "?" too: programs differ in what they
 /// encode.
+[[nodiscard]] std::optional<QByteArray> pathOfFileUri(const QByteArray& uri);
 [[nodiscard]] std::optional<QByteArray> pathOfFileUri(const QString& uri);
 
 /// The URI of an absolute path.

@@ -2,8 +2,8 @@
 #include "platform/desktop/quitSignals.h"
 
 #include <csignal>
-#include <initializer_list>
 #include <glib-unix.h>
+#include <initializer_list>
 
 namespace sonarin {
 

@@ -19,15 +19,19 @@ void SessionBus::connectAnew() {
     QDBusConnection::disconnectFromBus(connection_.name());
     connection_ = QDBusConnection::connectToBus(
         QDBusConnection::SessionBus, QStringLiteral("sonarin-%1-%2").arg(quintptr(this)).arg(++opened_));
+    wasConnected_ = isConnected();
 }
 
 void SessionBus::watch() {
     if (isConnected()) {
         return;
     }
+    const bool wasConnected = wasConnected_;
     connectAnew();
     if (isConnected()) {
         emit reconnected();
+    } else if (wasConnected) {
+        emit lost();
     }
 }
 

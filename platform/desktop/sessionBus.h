@@ -23,6 +23,7 @@ public:
     [[nodiscard]] QDBusConnection connection() const { return connection_; }
 
 signals:
+    void lost();
     /// The bus is back, on another connection.
     void reconnected();
 
@@ -32,6 +33,7 @@ private:
 
     QDBusConnection connection_;
     int opened_ = 0;
+    bool wasConnected_ = false;
     QTimer retry_;
 };
 

@@ -11,11 +11,13 @@ namespace sonarin {
 
 namespace {
 
-bool isSameItem(const std::string& a, const std::string& b) {
+/// Whether both names lead to the one entry of one item, which only a disk that folds letter case finds
+/// twice.
+bool isSameEntry(const std::string& a, const std::string& b) {
     struct stat first {};
     struct stat second {};
     return lstat(a.c_str(), &first) == 0 && lstat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-           first.st_ino == second.st_ino;
+           first.st_ino == second.st_ino && (first.st_nlink == 1 || S_ISDIR(first.st_mode));
 }
 
 int renameFolder(const std::string& from, const std::string& to) {
@@ -59,11 +61,9 @@ int renameItem(const std::string& from, const std::string& to, bool differsInCas
     if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
         return 0;
     }
-    if (errno == EINVAL || errno == ENOSYS) { // the file system, or the kernel, lacks it
-        return renameItemByLink(from, to);
-    }
-    const int error = errno;
-    if (error == EEXIST && differsInCaseAlone && isSameItem(from, to)) {
+    const bool isMissing = errno == EINVAL || errno == ENOSYS; // in the file system, or in the kernel
+    const int error = isMissing ? renameItemByLink(from, to) : errno;
+    if (error == EEXIST && differsInCaseAlone && isSameEntry(from, to)) {
         return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
     }
     return error;

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QClipboard>
+#include <QDropEvent>
 #include <QImage>
 #include <filesystem>
 #include <vector>
@@ -181,11 +182,18 @@ TEST_F(PanelWindow, TakesNothingInATextForMarkUp) {
 }
 
 TEST_F(PanelWindow, CutsMegabytesOfLyrics) {
-    showFile("l.mp3",
-             id3Tag(id3Frame("USLT", bytes("\0eng\0") + std::string(10000000, 'l'))) + mpegAudio(2000));
+    std::string lines;
+    while (lines.size() < 10000000) {
+        lines += "la la la\n";
+    }
+    showFile("l.mp3", id3Tag(id3Frame("USLT", bytes("\0eng\0") + lines)) + mpegAudio(2000));
     EXPECT_TRUE(controller->lyricsText->toPlainText().endsWith(
-        "[Cut here: 200,000 of 9,999,999 characters are shown.]"));
+        "[Cut here: 200,000 of 10,000,007 characters are shown.]"));
     EXPECT_LT(controller->lyricsText->toPlainText().size(), 200100);
+    showFile("line.mp3",
+             id3Tag(id3Frame("USLT", bytes("\0eng\0short\n") + std::string(100000, 'l'))) + mpegAudio(2000));
+    EXPECT_EQ(controller->lyricsText->toPlainText().right(53).toStdString(),
+              "[Cut here: 10,006 of 100,005 characters are shown.]");
 }
 
 TEST_F(PanelWindow, TakesPathsFromOutside) {
@@ -217,6 +225,17 @@ TEST_F(PanelWindow, TakesPathsFromOutside) {
     controller->openFileUserDataError(nullptr);
     EXPECT_TRUE(controller->myWindow->isVisible());
     EXPECT_EQ(controller->lastPath, shown);
+
+    // A drop is taken as a copy, or its source would delete what was dragged.
+    text.setText(pathOf(strange));
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction | Qt::MoveAction, &text, Qt::LeftButton,
+                          Qt::NoModifier);
+    QApplication::sendEvent(controller->myWindow, &enter);
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction | Qt::MoveAction, &text, Qt::LeftButton, Qt::NoModifier);
+    drop.setDropAction(Qt::MoveAction);
+    QApplication::sendEvent(controller->myWindow, &drop);
+    EXPECT_EQ(controller->id3SongTitleField->text(), "strange");
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
 }
 
 TEST_F(PanelWindow, ConnectsEveryActionOfItsInterface) {

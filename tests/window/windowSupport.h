@@ -46,10 +46,13 @@ private:
 /// Answers what the test says.
 class FixedSources final : public SelectionSources {
 public:
-    Paths fileManagerSelection() override { return ++questions, finder; }
-    Paths playerSelection() override { return ++questions, selection; }
-    Paths trackPlaying() override { return ++questions, track; }
-    bool isPlayerRunning() override { return isRunning; }
+    void ask(Question /*question*/) override { ++questions; }
+    Paths answer(Question question) override {
+        return question == Question::fileManagerSelection ? finder
+               : question == Question::playerSelection    ? selection
+                                                          : track;
+    }
+    [[nodiscard]] bool isPlayerRunning() const override { return isRunning; }
 
     Paths finder;
     Paths selection;
