@@ -276,7 +276,7 @@ bool AppController::applicationOpenFile(const QString& path) {
 
 void AppController::openFileUserDataError(const QMimeData* pasteboard) {
     showMainWindow();
-    constexpr qsizetype longestPath = 3 * 4096; // of escaped bytes
+    constexpr qsizetype longestPath = 12288; // every byte escaped
     if (pasteboard != nullptr && pasteboard->hasText() && pasteboard->text().size() <= longestPath) {
         updateValuesForNewPath(pathFromText(pasteboard->text()));
     }

@@ -5,15 +5,14 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QTimer>
 #include <algorithm>
 
 namespace sonarin {
 
 namespace {
 
-constexpr qsizetype mostFiles = 1000; // in one request: each is read and shown in turn
-constexpr qsizetype longestText = 3 * 4096;
+constexpr qsizetype mostFiles = 1000;    // in one request: each is read and shown in turn
+constexpr qsizetype longestText = 12288; // of the longest path, every byte escaped
 
 constexpr const char* interfaceName = "org.freedesktop.Application";
 
@@ -89,7 +88,7 @@ void DesktopApplication::Open(const QStringList& uris, const QVariantMap& platfo
     }
     keepActivationToken(platform_data);
     // The caller need not wait until all have been read.
-    QTimer::singleShot(0, this, [this, paths] { emit openRequested(paths); });
+    QMetaObject::invokeMethod(this, "openRequested", Qt::QueuedConnection, Q_ARG(QList<QByteArray>, paths));
 }
 
 void DesktopApplication::ActivateAction(const QString& action_name, const QVariantList& parameter,
