@@ -3,6 +3,7 @@
 
 #include "app/panelTexts.h"
 #include "app/shownFile.h"
+#include "app/window/FollowStatus.h"
 #include "app/window/cocoaUtils.h"
 #include "platform/desktop/desktopPrograms.h"
 #include "platform/desktop/fileUri.h"
@@ -91,6 +92,7 @@ void AppController::loadInterface() {
     id3TagVersionField = main.id3TagVersionField;
     syncCheckbox = main.syncCheckbox;
     syncMenu = main.syncMenu;
+    followStatusField = main.followStatusField;
     findInShelvixPopup = main.findInShelvixPopup;
     renamePopup = main.renamePopup;
     editTagsPopup = main.editTagsPopup;
@@ -176,7 +178,11 @@ void AppController::awakeFromNib() {
     syncCheckbox->setChecked(defaults_->integer(finderSync) != 0);
     connect(syncCheckbox, &QCheckBox::toggled, this, [this](bool isOn) {
         defaults_->set(finderSync, isOn ? QStringLiteral("1") : QStringLiteral("0"));
+        following_.start();
+        showFollowStatus();
     });
+    connect(followStatusField, &QLabel::linkActivated, this, &AppController::showConnectors);
+    following_.start();
 
     connect(editTagsPopup, &PullDownButton::aboutToPullDown, this, &AppController::addInstalledEditors);
     connect(helpWebView, &QTextBrowser::anchorClicked, this,
@@ -193,6 +199,7 @@ void AppController::awakeFromNib() {
 
 void AppController::useForSync(SyncKind kind) {
     syncType = kind;
+    following_.start();
     defaults_->set(syncKindDefaultKey, static_cast<int>(kind));
     updateSelection();
 }
@@ -201,11 +208,15 @@ void AppController::updateSelection() {
     if (!syncCheckbox->isChecked()) {
         return;
     }
-    using Question = SelectionSources::Question;
-    sources_->ask(syncType == iTunesSelection     ? Question::playerSelection
-                  : syncType == iTunesCurrentSong ? Question::trackPlaying
-                                                  : Question::fileManagerSelection);
+    sources_->ask(question());
     takeAnswer();
+}
+
+SelectionSources::Question AppController::question() const {
+    using Question = SelectionSources::Question;
+    return syncType == iTunesSelection     ? Question::playerSelection
+           : syncType == iTunesCurrentSong ? Question::trackPlaying
+                                           : Question::fileManagerSelection;
 }
 
 /// Shows what the chosen source says, unless somebody is choosing from a menu that this would change.
@@ -219,6 +230,31 @@ void AppController::takeAnswer() {
         updateValuesForNewPath(cocoaUtils::pathText(paths->first()));
     }
     isUpdatingSelection_ = false;
+    showFollowStatus();
+}
+
+void AppController::showFollowStatus() {
+    constexpr qint64 timeToAnswer = 1000; // milliseconds that programs have before it is said that none does
+    QString status;
+    if (syncCheckbox->isChecked()) {
+        const SelectionSources::Teller teller = sources_->teller(question());
+        const bool isNobodyThere = teller.program.isEmpty();
+        if (!isNobodyThere || following_.elapsed() > timeToAnswer) {
+            status = followStatus(question(), teller, sources_->answer(question()));
+        }
+    }
+    if (status != followStatusField->text()) {
+        followStatusField->setText(status);
+    }
+}
+
+void AppController::showConnectors() {
+    if (!connectWindow_) {
+        connectWindow_ = std::make_unique<ConnectWindow>(ConnectorFolders::ofThisUser(), myWindow);
+    }
+    connectWindow_->refresh();
+    connectWindow_->show();
+    connectWindow_->activateWindow();
 }
 
 SelectionSources::Paths AppController::querySource() {

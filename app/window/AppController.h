@@ -3,6 +3,7 @@
 
 #include "app/findMenu.h"
 #include "app/renameMenu.h"
+#include "app/window/ConnectWindow.h"
 #include "app/window/PictureView.h"
 #include "app/window/PullDownButton.h"
 #include "app/window/ValueLabel.h"
@@ -12,6 +13,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QElapsedTimer>
+#include <QLabel>
 #include <QMainWindow>
 #include <QMimeData>
 #include <QPlainTextEdit>
@@ -62,6 +65,8 @@ public:
     // --- following ----------------------------------------------------------------------------------------
     void updateSelection();
     void takeAnswer();
+    /// Says at the window's foot what is followed.
+    void showFollowStatus();
     SelectionSources::Paths getFinderSelection();
     SelectionSources::Paths getITunesSelection();
     SelectionSources::Paths getITunesCurrentSong();
@@ -73,6 +78,7 @@ public slots:
     void useiTunesSelectionForSync() { useForSync(iTunesSelection); }
     void useCurrentiTunesSongForSync() { useForSync(iTunesCurrentSong); }
     void showMainWindow();
+    void showConnectors();
     void openDocument();
     void copy();
     void pastePath();
@@ -128,6 +134,7 @@ public:
     ValueLabel* id3TagVersionField = nullptr;
     QCheckBox* syncCheckbox = nullptr;
     QComboBox* syncMenu = nullptr;
+    QLabel* followStatusField = nullptr;
     PullDownButton* findInShelvixPopup = nullptr;
     PullDownButton* renamePopup = nullptr;
     PullDownButton* editTagsPopup = nullptr;
@@ -158,6 +165,7 @@ private:
     void callAction(const QByteArray& method);
     void awakeFromNib();
     void useForSync(SyncKind kind);
+    [[nodiscard]] SelectionSources::Question question() const;
     [[nodiscard]] SelectionSources::Paths querySource();
     void clearFacts();
     void showFacts();
@@ -177,6 +185,8 @@ private:
     std::unique_ptr<QMainWindow> mainWindow_;
     std::unique_ptr<QWidget> lyricsWindowOwner_;
     std::unique_ptr<QWidget> helpWindowOwner_;
+    std::unique_ptr<ConnectWindow> connectWindow_;
+    QElapsedTimer following_; ///< since the source was chosen
     bool isUpdatingSelection_ = false;
 };
 

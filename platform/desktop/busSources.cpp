@@ -4,16 +4,21 @@
 #include "platform/desktop/fileUri.h"
 
 #include <QDBusArgument>
-#include <algorithm>
+#include <array>
 
 namespace sonarin {
 
 namespace {
 
-/// The digest of a selection: since when its window is in use, and the first two URIs.
+/// The digest of a selection: since when its window is in use, the first two URIs, the program's name.
 QVariant digestSelection(const QVariantMap& properties) {
     const QStringList selected = properties.value(QStringLiteral("Selected")).toStringList().mid(0, 2);
-    return QVariantList{properties.value(QStringLiteral("ActiveSince")).toLongLong(), selected};
+    return QVariantList{properties.value(QStringLiteral("ActiveSince")).toLongLong(), selected,
+                        properties.value(QStringLiteral("Program")).toString()};
+}
+
+bool isUsedLater(const PropertyPoll::Answer& first, const PropertyPoll::Answer& second) {
+    return first.digest.toList().value(0).toLongLong() < second.digest.toList().value(0).toLongLong();
 }
 
 /// The track's metadata; none where a player sends something of another type, which must not be taken apart.
@@ -36,42 +41,67 @@ QVariant digestPlayer(const QVariantMap& properties) {
                        metadata.value(QStringLiteral("xesam:title")).toString()};
 }
 
+/// Playing before paused; a stopped player may still tell its last track, which does not count.
+int rank(const PropertyPoll::Answer& player) {
+    const QString status = player.digest.toStringList().value(0);
+    return status == QLatin1StringView("Playing") ? 2 : status == QLatin1StringView("Paused") ? 1 : 0;
+}
+
+bool isPlayedLater(const PropertyPoll::Answer& first, const PropertyPoll::Answer& second) {
+    return std::pair(rank(first), first.changed) < std::pair(rank(second), second.changed);
+}
+
 QByteArray pathOf(const QString& uri) {
     return pathOfFileUri(uri).value_or(QByteArray());
 }
 
 PropertyPoll::Family selectionFamily(const QString& kind) {
     return {QStringLiteral("org.sonarin.Selection1.%1.").arg(kind), QStringLiteral("/org/sonarin/Selection1"),
-            QStringLiteral("org.sonarin.Selection1"), digestSelection};
+            QStringLiteral("org.sonarin.Selection1"), digestSelection, isUsedLater};
 }
 
+const QString playerPrefix = QStringLiteral("org.mpris.MediaPlayer2.");
+
 PropertyPoll::Family playerFamily() {
-    return {QStringLiteral("org.mpris.MediaPlayer2."), QStringLiteral("/org/mpris/MediaPlayer2"),
-            QStringLiteral("org.mpris.MediaPlayer2.Player"), digestPlayer};
+    return {playerPrefix, QStringLiteral("/org/mpris/MediaPlayer2"),
+            QStringLiteral("org.mpris.MediaPlayer2.Player"), digestPlayer, isPlayedLater};
 }
 
 SelectionSources::Paths selectionIn(const PropertyPoll& poll) {
-    const QList<PropertyPoll::Answer> answers = poll.answers();
-    if (answers.isEmpty()) {
+    const auto followed = poll.followed();
+    if (!followed) {
         return std::nullopt;
     }
-    const auto activeSince = [](const PropertyPoll::Answer& answer) {
-        return answer.digest.toList().value(0).toLongLong();
-    };
-    const auto latest = std::max_element(answers.begin(), answers.end(), [&](const auto& a, const auto& b) {
-        return activeSince(a) < activeSince(b);
-    });
     QList<QByteArray> paths;
-    for (const QString& uri : latest->digest.toList().value(1).toStringList()) {
+    for (const QString& uri : followed->digest.toList().value(1).toStringList()) {
         paths.append(pathOf(uri));
     }
     return paths;
 }
 
-/// Playing before paused; a stopped player may still tell its last track, which does not count.
-int rank(const PropertyPoll::Answer& player) {
-    const QString status = player.digest.toStringList().value(0);
-    return status == QLatin1StringView("Playing") ? 2 : status == QLatin1StringView("Paused") ? 1 : 0;
+using Teller = SelectionSources::Teller;
+
+/// What to say of a family of which no program has answered.
+Teller silence(const PropertyPoll& poll) {
+    return {poll.isAnyRunning() ? Teller::State::silent : Teller::State::none, QString()};
+}
+
+Teller selectionTeller(const PropertyPoll& poll) {
+    const auto followed = poll.followed();
+    return followed ? Teller{Teller::State::selecting, followed->digest.toList().value(2).toString()}
+                    : silence(poll);
+}
+
+/// The element of the bus name behind the prefix, without what tells instances of one program apart.
+Teller playerTeller(const PropertyPoll& poll) {
+    const auto followed = poll.followed();
+    if (!followed) {
+        return silence(poll);
+    }
+    constexpr std::array<Teller::State, 3> states = {Teller::State::stopped, Teller::State::paused,
+                                                     Teller::State::playing};
+    const QString name = followed->names.value(0).mid(playerPrefix.size()).section(u'.', 0, 0);
+    return {states.at(static_cast<std::size_t>(rank(*followed))), name};
 }
 
 } // namespace
@@ -113,22 +143,31 @@ SelectionSources::Paths BusSources::answer(Question question) {
 }
 
 SelectionSources::Paths BusSources::trackPlaying() {
-    const QList<PropertyPoll::Answer> answers = players_.answers();
-    const auto best = std::max_element(answers.begin(), answers.end(), [](const auto& a, const auto& b) {
-        return std::pair(rank(a), a.changed) < std::pair(rank(b), b.changed);
-    });
-    if (best == answers.end() || rank(*best) == 0) {
+    const auto player = players_.followed();
+    if (!player || rank(*player) == 0) {
         return std::nullopt;
     }
-    const QStringList facts = best->digest.toStringList();
-    if (facts.value(1).isEmpty() && best->names.contains(QStringLiteral("org.mpris.MediaPlayer2.cmus"))) {
-        return QList<QByteArray>{cmus_.fileOf(best->changed)};
+    const QStringList facts = player->digest.toStringList();
+    if (facts.value(1).isEmpty() && player->names.contains(QStringLiteral("org.mpris.MediaPlayer2.cmus"))) {
+        return QList<QByteArray>{cmus_.fileOf(player->changed)};
     }
     return QList<QByteArray>{pathOf(facts.value(1))};
 }
 
 bool BusSources::isPlayerRunning() const {
     return players_.isAnyRunning() || playerSelections_.isAnyRunning();
+}
+
+SelectionSources::Teller BusSources::teller(Question question) const {
+    switch (question) {
+    case Question::fileManagerSelection:
+        return selectionTeller(fileManagers_);
+    case Question::playerSelection:
+        return selectionTeller(playerSelections_);
+    case Question::trackPlaying:
+        return playerTeller(players_);
+    }
+    return {};
 }
 
 } // namespace sonarin

@@ -19,6 +19,7 @@ public:
     void ask(Question question) override;
     Paths answer(Question question) override;
     [[nodiscard]] bool isPlayerRunning() const override;
+    [[nodiscard]] Teller teller(Question question) const override;
 
 private:
     Paths trackPlaying();

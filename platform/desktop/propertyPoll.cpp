@@ -99,16 +99,44 @@ void PropertyPoll::ask() {
     if (!bus_->isConnected()) {
         return;
     }
-    const QStringList owners = programs_.keys();
-    for (const QString& owner : owners) {
-        Program& program = programs_[owner];
-        if (!program.isAsked) {
-            askProgram(owner);
-        } else if (program.hasAnswered && program.asked.elapsed() > deadline) {
+    forgetOverdueAnswers();
+    const QString followed = followedOwner();
+    if (!followed.isEmpty() && !programs_[followed].isAsked) {
+        askProgram(followed);
+    }
+    const QString next = nextInTurn();
+    if (!next.isEmpty()) {
+        askedInTurn_ = next;
+        askProgram(next);
+    }
+}
+
+void PropertyPoll::forgetOverdueAnswers() {
+    bool isAnyOverdue = false;
+    for (Program& program : programs_) {
+        if (program.isAsked && program.hasAnswered && program.asked.elapsed() > deadline) {
             program.hasAnswered = false;
-            emit changed();
+            isAnyOverdue = true;
         }
     }
+    if (isAnyOverdue) {
+        emit changed();
+    }
+}
+
+/// The first program behind the one whose turn it was last that owes no answer.
+QString PropertyPoll::nextInTurn() const {
+    const auto start = programs_.upperBound(askedInTurn_);
+    auto program = start;
+    for (qsizetype i = 0; i < programs_.size(); ++i, ++program) {
+        if (program == programs_.end()) {
+            program = programs_.begin();
+        }
+        if (!program->isAsked) {
+            return program.key();
+        }
+    }
+    return {};
 }
 
 void PropertyPoll::askProgram(const QString& owner) {
@@ -151,14 +179,20 @@ void PropertyPoll::take(const QString& owner, QDBusPendingCallWatcher* call) {
     emit changed();
 }
 
-QList<PropertyPoll::Answer> PropertyPoll::answers() const {
-    QList<Answer> answers;
-    for (const Program& program : programs_) {
-        if (program.hasAnswered) {
-            answers.append(program.answer);
+QString PropertyPoll::followedOwner() const {
+    auto followed = programs_.end();
+    for (auto program = programs_.begin(); program != programs_.end(); ++program) {
+        if (program->hasAnswered &&
+            (followed == programs_.end() || family_.isOutdone(followed->answer, program->answer))) {
+            followed = program;
         }
     }
-    return answers;
+    return followed == programs_.end() ? QString() : followed.key();
+}
+
+std::optional<PropertyPoll::Answer> PropertyPoll::followed() const {
+    const auto program = programs_.find(followedOwner());
+    return program == programs_.end() ? std::nullopt : std::optional(program->answer);
 }
 
 } // namespace sonarin

@@ -8,36 +8,41 @@
 #include <QMap>
 #include <QStringList>
 #include <QVariantMap>
+#include <optional>
 
 namespace sonarin {
 
-/// Asks all programs on the bus with a name of one family for the properties of one interface, again and
+/// Asks the programs on the bus with a name of one family for the properties of one interface, again and
 /// again, without ever waiting and without starting one. A program that has not answered yet is not asked
-/// again, so that one that hangs costs nothing.
+/// again, so that one that hangs costs nothing. Of many programs two are asked at a time: the one that is
+/// followed, and the others in turn.
 class PropertyPoll : public QObject {
     Q_OBJECT
 
 public:
-    struct Family {
-        QString namePrefix; ///< of well-known bus names, with the full stop at its end
-        QString objectPath;
-        QString interface;
-        /// What counts of the answer; programs are told apart and compared by that.
-        QVariant (*digest)(const QVariantMap& properties);
-    };
-
-    /// A program that answered the last question within a tenth of a second.
+    /// What a program answered within a tenth of a second.
     struct Answer {
         QStringList names; ///< its names of the family
         QVariant digest;
         std::uint64_t changed = 0; ///< greater, the later the digest became what it is
     };
 
+    struct Family {
+        QString namePrefix; ///< of well-known bus names, with the full stop at its end
+        QString objectPath;
+        QString interface;
+        /// What counts of the answer.
+        QVariant (*digest)(const QVariantMap& properties);
+        /// Whether the second is to be followed rather than the first.
+        bool (*isOutdone)(const Answer& first, const Answer& second);
+    };
+
     PropertyPoll(SessionBus* bus, Family family, QObject* parent = nullptr);
 
-    /// Puts the question to every program that owes no answer.
+    /// Puts the question to at most two programs that owe no answer.
     void ask();
-    [[nodiscard]] QList<Answer> answers() const;
+    /// The last answer of the program to follow; nothing when none has answered.
+    [[nodiscard]] std::optional<Answer> followed() const;
     /// Whether any program has a name of the family.
     [[nodiscard]] bool isAnyRunning() const { return !programs_.isEmpty(); }
 
@@ -59,6 +64,9 @@ private:
     void start();
     void addName(const QString& name, const QString& owner);
     void removeName(const QString& name, const QString& owner);
+    void forgetOverdueAnswers();
+    [[nodiscard]] QString followedOwner() const;
+    [[nodiscard]] QString nextInTurn() const;
     void askForOwner(const QString& name);
     void askProgram(const QString& owner);
     void take(const QString& owner, QDBusPendingCallWatcher* call);
@@ -66,6 +74,7 @@ private:
     SessionBus* bus_;
     Family family_;
     QMap<QString, Program> programs_; ///< by unique bus name: two names of one program count once
+    QString askedInTurn_;             ///< the unique name of the one whose turn it was last
     std::uint64_t changes_ = 0;
     std::uint64_t generation_ = 0; ///< of the connection; answers of an earlier one do not count
 };

@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QObject>
+#include <QString>
 #include <optional>
 
 namespace sonarin {
@@ -27,6 +28,21 @@ public:
     virtual Paths answer(Question question) = 0;
     /// Whether there is a player to ask.
     [[nodiscard]] virtual bool isPlayerRunning() const = 0;
+
+    /// Whose answer it is.
+    struct Teller {
+        enum class State {
+            none,   ///< no program that could tell is running
+            silent, ///< one is, and does not answer
+            selecting,
+            playing,
+            paused,
+            stopped,
+        };
+        State state = State::none;
+        QString program; ///< its name, from the program itself; empty unless it answers
+    };
+    [[nodiscard]] virtual Teller teller(Question question) const = 0;
 
 signals:
     /// An answer came that differs from the one before.

@@ -11,6 +11,7 @@ import subprocess
 import tempfile
 import threading
 import time
+import urllib.parse
 
 PREFIX = pathlib.Path(os.environ["SONARIN_PREFIX"])  # where Sonarin is installed
 FRAME = b"\xff\xfb\x90\x64" + bytes(413)  # MPEG-1 Layer III, 128 kbit/s, 44.1 kHz
@@ -139,15 +140,27 @@ class Desktop:
         self.xdotool("windowactivate", "--sync", window)
 
     def keys(self, *names):
-        self.xdotool("key", *names)
+        self.xdotool("key", "--delay", "20", *names)
+
+    def size(self, window):
+        facts = self.xdotool("getwindowgeometry", "--shell", window)
+        return tuple(int(line.split("=")[1]) for line in facts.split() if line.startswith(("WIDTH", "HEIGHT")))
 
     def click(self, window, x, y, button=1):
         self.xdotool("mousemove", "--window", window, x, y, "click", button)
 
+    def put_on_clipboard(self, text):
+        self.output("sh", "-c", 'printf %s "$0" | xclip -i -selection clipboard >/dev/null 2>&1', text)
+
     def copied(self):
-        """The URIs that a program has put on the clipboard as files."""
-        text = self.output("timeout", "2", "xclip", "-o", "-selection", "clipboard", "-t", "text/uri-list", check=False)
-        return [line.strip() for line in text.split("\n") if line.strip()]
+        """The paths (bytes) of the files that the program with the keyboard copies: its own word for what is selected."""
+        self.put_on_clipboard("")
+        self.keys("ctrl+c")
+
+        def uris():
+            text = self.output("timeout", "2", "xclip", "-o", "-selection", "clipboard", "-t", "text/uri-list", check=False)
+            return [line.strip() for line in text.split("\n") if line.strip()]
+        return [urllib.parse.unquote_to_bytes(uri).removeprefix(b"file://") for uri in wait_until(uris, 0.3)]
 
     def screenshot(self, path):
         self.output("import", "-window", "root", path)

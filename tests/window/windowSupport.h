@@ -53,11 +53,13 @@ public:
                                                           : track;
     }
     [[nodiscard]] bool isPlayerRunning() const override { return isRunning; }
+    [[nodiscard]] Teller teller(Question /*question*/) const override { return who; }
 
     Paths finder;
     Paths selection;
     Paths track;
     bool isRunning = true;
+    Teller who;
     int questions = 0;
 };
 

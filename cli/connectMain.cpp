@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+// sonarin-connect: puts the connectors into the folders of the user, tells what is there, and takes them
+// away.
+#include "platform/host/connectors.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sonarin {
+
+namespace {
+
+enum ExitStatus : int { exitDone = 0, exitNotDone = 1, exitUsage = 2 };
+
+constexpr const char* usage =
+    "Usage: sonarin-connect [--remove] [PROGRAM... | --all]\n"
+    "Lets Sonarin follow what is selected in a file manager or player. Without arguments it lists the\n"
+    "programs that are installed here and can be followed.\n"
+    "  --all       every one of them\n"
+    "  --remove    takes the connectors away again\n"
+    "  --help      shows this\n"
+    "  --version   shows the version\n";
+
+struct Call {
+    bool all = false;
+    bool remove = false;
+    std::vector<std::string> programs;
+};
+
+std::string stateText(const Connector& connector) {
+    switch (connector.state) {
+    case Connector::State::lacksPackages: {
+        std::string text = "first needs: apt install";
+        for (const std::string& package : connector.missingPackages) {
+            text += ' ' + package;
+        }
+        return text;
+    }
+    case Connector::State::available:
+        return "not connected";
+    case Connector::State::connected:
+        return "connected";
+    case Connector::State::connectedForAll:
+        return "connected for all users";
+    }
+    return {};
+}
+
+int list(const std::vector<Connector>& connectors) {
+    if (connectors.empty()) {
+        (void)std::puts("No program is installed here that Sonarin could follow.");
+    }
+    for (const Connector& connector : connectors) {
+        (void)std::printf("%-14s%-14s%s\n", connector.id.c_str(), connector.name.c_str(),
+                          stateText(connector).c_str());
+    }
+    return exitDone;
+}
+
+bool complain(const Connector& connector, const std::string& why) {
+    (void)std::fprintf(stderr, "sonarin-connect: %s: %s\n", connector.name.c_str(), why.c_str());
+    return false;
+}
+
+bool add(const ConnectorFolders& folders, const Connector& connector) {
+    if (connector.state == Connector::State::lacksPackages) {
+        return complain(connector, stateText(connector));
+    }
+    if (connector.state != Connector::State::available) {
+        (void)std::printf("%s is %s.\n", connector.name.c_str(), stateText(connector).c_str());
+        return true;
+    }
+    if (const std::error_code failed = addConnector(folders, connector.id)) {
+        return complain(connector, failed.message());
+    }
+    (void)std::printf("%s is connected. %s\n", connector.name.c_str(), connector.restart.c_str());
+    return true;
+}
+
+bool remove(const ConnectorFolders& folders, const Connector& connector) {
+    if (const std::error_code failed = removeConnector(folders, connector.id)) {
+        return complain(connector, failed.message());
+    }
+    (void)std::printf("%s is no longer connected. %s\n", connector.name.c_str(), connector.restart.c_str());
+    return true;
+}
+
+int carryOut(const Call& call) {
+    const ConnectorFolders folders = ConnectorFolders::ofThisUser();
+    const std::vector<Connector> connectors = findConnectors(folders);
+    if (call.programs.empty() && !call.all) {
+        return list(connectors);
+    }
+    int status = exitDone;
+    for (const std::string& program : call.programs) {
+        if (std::none_of(connectors.begin(), connectors.end(),
+                         [&](const Connector& c) { return c.id == program; })) {
+            (void)std::fprintf(stderr, "sonarin-connect: %s: not installed here, or not known\n",
+                               program.c_str());
+            status = exitNotDone;
+        }
+    }
+    for (const Connector& connector : connectors) {
+        const bool isNamed =
+            std::find(call.programs.begin(), call.programs.end(), connector.id) != call.programs.end();
+        if ((call.all || isNamed) && !(call.remove ? remove : add)(folders, connector)) {
+            status = exitNotDone;
+        }
+    }
+    return status;
+}
+
+int run(int argc, char** argv) {
+    Call call;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view word = argv[i];
+        if (word == "--help" || word == "-h") {
+            (void)std::fputs(usage, stdout);
+            return exitDone;
+        }
+        if (word == "--version") {
+            (void)std::puts("sonarin-connect " SONARIN_VERSION);
+            return exitDone;
+        }
+        if (word == "--all") {
+            call.all = true;
+        } else if (word == "--remove") {
+            call.remove = true;
+        } else if (word.substr(0, 1) == "-") {
+            (void)std::fprintf(stderr, "sonarin-connect: unknown option %s\n%s", argv[i], usage);
+            return exitUsage;
+        } else {
+            call.programs.emplace_back(word);
+        }
+    }
+    if (call.remove && call.programs.empty() && !call.all) {
+        (void)std::fprintf(stderr, "sonarin-connect: --remove needs a program, or --all\n%s", usage);
+        return exitUsage;
+    }
+    return carryOut(call);
+}
+
+} // namespace
+
+} // namespace sonarin
+
+int main(int argc, char** argv) {
+    try {
+        return sonarin::run(argc, argv);
+    } catch (const std::exception& failure) {
+        (void)std::fprintf(stderr, "sonarin-connect: %s\n", failure.what());
+        return 1;
+    }
+}
