@@ -2,7 +2,7 @@
 // publisher NAME: a program on the session bus under that name. It answers questions for properties with what
 // it is told on standard input, one line a property: "s PlaybackStatus Playing", "m xesam:url file:///a.mp3"
 // (Metadata), "as Selected URI URI", "x ActiveSince 5". It says "ready" when it has the name, and "ok" after
-// each line.
+// each line; to "asked" it says how often it was asked.
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -23,11 +23,14 @@ public:
         if (message.member() != QLatin1StringView("GetAll")) {
             return false;
         }
+        ++timesAsked_;
         QVariantMap all{{QStringLiteral("Metadata"), metadata_}};
         all.insert(values_);
         connection.send(message.createReply(all));
         return true;
     }
+
+    [[nodiscard]] int timesAsked() const { return timesAsked_; }
 
     void set(const QStringList& words) {
         const QString rest = words.mid(2).join(u' ');
@@ -47,6 +50,7 @@ public:
 private:
     QVariantMap values_;
     QVariantMap metadata_;
+    int timesAsked_ = 0;
 };
 
 void say(const char* word) {
@@ -72,6 +76,10 @@ int main(int argc, char** argv) {
         std::string line;
         if (!std::getline(std::cin, line)) {
             QCoreApplication::quit();
+            return;
+        }
+        if (line == "asked") {
+            say(std::to_string(properties.timesAsked()).c_str());
             return;
         }
         properties.set(QString::fromStdString(line).split(u' '));

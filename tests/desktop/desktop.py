@@ -90,6 +90,14 @@ class Desktop:
         self.programs.append(program)
         return program
 
+    def connected_environment(self):
+        """What the session's start would have set, had it read what sonarin-connect wrote."""
+        script = self.home / ".config/plasma-workspace/env/sonarin.sh"
+        if not script.exists():
+            return {}
+        said = self.output("sh", "-c", '. "$0"; printf %s "$QT_PLUGIN_PATH"', script)
+        return {"QT_PLUGIN_PATH": said}
+
     def log(self, name):
         return (self.scratch / (name + ".log")).read_text(errors="replace")
 
@@ -148,6 +156,11 @@ class Desktop:
 
     def click(self, window, x, y, button=1):
         self.xdotool("mousemove", "--window", window, x, y, "click", button)
+
+    def click_empty_room(self, window):
+        """Below the files of a window: that gives them the keyboard, and takes their selection away."""
+        width, height = self.size(window)
+        self.click(window, width - 80, height - 80)
 
     def put_on_clipboard(self, text):
         self.output("sh", "-c", 'printf %s "$0" | xclip -i -selection clipboard >/dev/null 2>&1', text)

@@ -9,6 +9,8 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <csignal>
+#include <filesystem>
+#include <memory>
 #include <vector>
 
 namespace sonarin {
@@ -222,8 +224,112 @@ TEST_F(OnTheBus, FollowsPublishedSelections) {
     EXPECT_TRUE(shows("two"));
 }
 
+/// Many programs must not cost more than two; each has its turn, and who hangs loses it.
+TEST_F(OnTheBus, AsksTwoProgramsATick) {
+    std::vector<std::unique_ptr<BusProgram>> programs;
+    const std::string one = song("one");
+    for (int i = 0; i < 6; ++i) {
+        const QString name = QStringLiteral("org.sonarin.Selection1.FileManager.p%1").arg(i);
+        programs.push_back(std::make_unique<BusProgram>(QStringList{name}));
+        programs.back()->select({fileUri(i == 3 ? one : song(std::to_string(i)))}, i == 3 ? 100 : i);
+    }
+    EXPECT_TRUE(shows("one"));
+    programs[5]->signal(SIGSTOP);
+    const auto asked = [&] {
+        int questions = 0;
+        for (int i = 0; i < 5; ++i) {
+            questions += programs[static_cast<std::size_t>(i)]->timesAsked();
+        }
+        return questions;
+    };
+    const int before = asked();
+    runFor(2000);
+    EXPECT_LE(asked() - before, 22); // ten ticks, or eleven
+    EXPECT_GE(asked() - before, 12);
+    const std::string two = song("two");
+    programs[0]->select({fileUri(two)}, 200);
+    EXPECT_TRUE(shows("two"));
+    programs[5]->signal(SIGCONT);
+    programs[5]->select({fileUri(one)}, 300);
+    EXPECT_TRUE(shows("one"));
+}
+
+TEST_F(OnTheBus, SaysWhatItFollows) {
+    const auto says = [&](const char* text) {
+        return waitFor([&] { return controller.followStatusField->text() == QString::fromUtf8(text); });
+    };
+    EXPECT_EQ(controller.followStatusField->text(), ""); // not before anybody could have answered
+    EXPECT_TRUE(says("No file manager tells its selection: <a href=\"connect\">connect…</a>"));
+    BusProgram files({QStringLiteral("org.sonarin.Selection1.FileManager.f")});
+    files.tell(QStringLiteral("s Program <b>Files & more"));
+    files.select({}, 1);
+    EXPECT_TRUE(says("&lt;b&gt;Files &amp; more, nothing selected"));
+    files.tell(QStringLiteral("s Program Files"));
+    files.select({fileUri(song("one"))}, 1);
+    EXPECT_TRUE(says("Files, 1 selected"));
+    files.select({QString()}, 1);
+    EXPECT_TRUE(says("Files, 1 selected, which is no file on this computer"));
+    files.select({QString(), QString()}, 1);
+    EXPECT_TRUE(says("Files, several selected: none is shown"));
+    files.signal(SIGSTOP);
+    EXPECT_TRUE(says("The file manager does not answer"));
+    controller.useCurrentiTunesSongForSync();
+    EXPECT_TRUE(says("No player is running"));
+    BusProgram player({QStringLiteral("org.mpris.MediaPlayer2.vlc.instance7")});
+    player.play(song("two"));
+    EXPECT_TRUE(says("vlc, playing"));
+    player.play(song("two"), QStringLiteral("Paused"));
+    EXPECT_TRUE(says("vlc, paused"));
+    player.play(song("two"), QStringLiteral("Stopped"));
+    EXPECT_TRUE(says("Nothing is playing"));
+    controller.syncCheckbox->setChecked(false);
+    EXPECT_EQ(controller.followStatusField->text(), "");
+}
+
+TEST_F(Following, ConnectsByTheLinkAtTheFoot) {
+    FixedSources sources;
+    const AppController controller(&sources, &defaults);
+    emit controller.followStatusField->linkActivated(QStringLiteral("connect"));
+    auto* window = controller.myWindow->findChild<ConnectWindow*>();
+    ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(static_cast<std::size_t>(window->findChild<QListWidget*>()->count()),
+              findConnectors(ConnectorFolders::ofThisUser()).size());
+}
+
+/// A check adds the connector at once, and takes it away.
+TEST_F(Following, ChecksAddAndRemoveConnectors) {
+    ConnectorFolders folders = ConnectorFolders::ofThisUser();
+    folders.root = folder.path("");
+    folders.data = folder.path("data");
+    folders.searchPath = folder.path("");
+    std::filesystem::permissions(folder.write("caja", ""), std::filesystem::perms::owner_all);
+    std::filesystem::permissions(folder.write("nemo", ""), std::filesystem::perms::owner_all);
+    std::filesystem::create_directories(folder.path("usr/lib/a/caja/extensions-2.0"));
+    folder.write("usr/lib/a/caja/extensions-2.0/libcaja-python.so", "");
+    ConnectWindow window(folders);
+    auto* list = window.findChild<QListWidget*>();
+    auto* note = window.findChild<QLabel*>(QStringLiteral("connectNote"));
+    ASSERT_EQ(list->count(), 2);
+    EXPECT_EQ(list->item(1)->text(), "Nemo (first needs nemo-python)");
+    EXPECT_FALSE(list->item(1)->flags().testFlag(Qt::ItemIsEnabled));
+    const std::string added = folder.path("data/caja-python/extensions/sonarin_selection.py");
+    list->item(0)->setCheckState(Qt::Checked);
+    EXPECT_TRUE(waitFor([&] { return note->text() == "Caja is connected. Restart it with: caja -q"; }));
+    EXPECT_TRUE(std::filesystem::exists(added));
+    list->item(0)->setCheckState(Qt::Unchecked);
+    EXPECT_TRUE(waitFor([&] { return !std::filesystem::exists(added); }));
+    std::filesystem::remove_all(folder.path("data"));
+    folder.write("data", "no folder");
+    list->item(0)->setCheckState(Qt::Checked);
+    EXPECT_TRUE(waitFor([&] { return note->text().startsWith(u"Caja: "); }));
+    EXPECT_EQ(list->item(0)->checkState(), Qt::Unchecked);
+}
+
 TEST_F(OnTheBus, GoesOnWhenTheBusIsBack) {
     controller.useCurrentiTunesSongForSync();
+    controller.poweredByShelvix(); // starting a program brings GIO's own connection along
+    EXPECT_NE(calledWith("browser"), "");
     TestBus::stop();
     runFor(500);
     TestBus::start();

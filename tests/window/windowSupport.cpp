@@ -99,8 +99,14 @@ void BusProgram::play(const std::string& path, const QString& status) {
 }
 
 void BusProgram::select(const QStringList& uris, int activeSince) {
-    tell(QStringLiteral("as Selected ") + uris.join(u' '));
+    tell((QStringList{QStringLiteral("as"), QStringLiteral("Selected")} + uris).join(u' '));
     tell(QStringLiteral("x ActiveSince %1").arg(activeSince));
+}
+
+int BusProgram::timesAsked() {
+    process_.write("asked\n");
+    process_.waitForReadyRead(10000);
+    return process_.readAll().simplified().toInt();
 }
 
 void BusProgram::signal(int number) const {

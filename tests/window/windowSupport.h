@@ -38,6 +38,8 @@ public:
     void play(const std::string& path, const QString& status = QStringLiteral("Playing"));
     void select(const QStringList& uris, int activeSince);
     void signal(int number) const;
+    /// How often it was asked for its properties so far.
+    int timesAsked();
 
 private:
     QProcess process_;

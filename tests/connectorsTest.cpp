@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+#include "platform/host/connectors.h"
+
+#include "tests/support/testFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+
+namespace sonarin {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A machine with one or more programs on it, and a user without anything.
+class Connectors : public testing::Test {
+protected:
+    Connectors() {
+        folders.root = folder.path("root");
+        folders.sources = SONARIN_CONNECTORS;
+        folders.plugins = "/plug ins";
+        folders.programs = "/programs";
+        folders.data = folder.path("data");
+        folders.config = folder.path("config");
+        folders.searchPath = "/nowhere::" + folder.path("bin");
+    }
+
+    void put(const std::string& name, const std::string& content = "") {
+        fs::create_directories(fs::path(folder.path(name)).parent_path());
+        folder.write(name, content);
+    }
+
+    void install(const std::string& command) {
+        put("bin/" + command);
+        fs::permissions(folder.path("bin/" + command), fs::perms::owner_all);
+    }
+
+    std::optional<Connector> find(const std::string& id) {
+        for (Connector& connector : findConnectors(folders)) {
+            if (connector.id == id) {
+                return std::move(connector);
+            }
+        }
+        return std::nullopt;
+    }
+
+    [[nodiscard]] std::size_t filesOfUser() const {
+        std::size_t count = 0;
+        for (const std::string& place : {folders.data, folders.config}) {
+            std::error_code ignored;
+            for (const auto& entry : fs::recursive_directory_iterator(place, ignored)) {
+                count += entry.is_regular_file() ? 1 : 0;
+            }
+        }
+        return count;
+    }
+
+    TestFolder folder;
+    ConnectorFolders folders;
+};
+
+using State = Connector::State;
+
+TEST_F(Connectors, KnowWhatAProgramLacks) {
+    EXPECT_TRUE(findConnectors(folders).empty());
+    put("bin/thunar"); // nobody may run it
+    EXPECT_FALSE(find("thunar"));
+    install("thunar");
+    EXPECT_EQ(find("thunar")->missingPackages,
+              (std::vector<std::string>{"thunarx-python", "gir1.2-thunarx-3.0"}));
+    put("root/usr/lib/some-arch/thunarx-3/thunarx-python.so");
+    EXPECT_EQ(find("thunar")->state, State::lacksPackages);
+    EXPECT_EQ(find("thunar")->missingPackages, std::vector<std::string>{"gir1.2-thunarx-3.0"});
+    put("root/usr/lib/some-arch/girepository-1.0/Thunarx-3.0.typelib");
+    EXPECT_EQ(find("thunar")->state, State::available);
+    put("root/usr/share/thunarx-python/extensions/sonarin_filemanagers.py");
+    EXPECT_EQ(find("thunar")->state, State::connectedForAll);
+}
+
+TEST_F(Connectors, ComeAndGoWithoutATrace) {
+    install("caja");
+    put("root/usr/lib/a/caja/extensions-2.0/libcaja-python.so");
+    const std::string ours = folders.data + "/caja-python/extensions/sonarin_filemanagers.py";
+    put("data/caja-python/extensions/of-others.py", "kept");
+    put("data/caja-python/extensions/__pycache__/of-others.cpython-311.pyc", "kept");
+    ASSERT_FALSE(addConnector(folders, "caja"));
+    EXPECT_EQ(find("caja")->state, State::connected);
+    EXPECT_EQ(fs::file_size(ours), fs::file_size(folders.sources + "/filemanagers/sonarin_filemanagers.py"));
+
+    put("data/caja-python/extensions/sonarin_filemanagers.py", "of an older version");
+    EXPECT_EQ(find("caja")->state, State::available);
+    ASSERT_FALSE(addConnector(folders, "caja"));
+    EXPECT_EQ(find("caja")->state, State::connected);
+
+    put("data/caja-python/extensions/__pycache__/sonarin_filemanagers.cpython-311.pyc");
+    ASSERT_FALSE(removeConnector(folders, "caja"));
+    EXPECT_EQ(find("caja")->state, State::available);
+    EXPECT_EQ(filesOfUser(), 2U);
+    EXPECT_FALSE(removeConnector(folders, "caja")); // once more is no failure
+}
+
+TEST_F(Connectors, SayWhatCannotBeDone) {
+    install("nemo");
+    put("root/usr/lib/a/nemo/extensions-3.0/libnemo-python.so");
+    EXPECT_EQ(addConnector(folders, "another"), std::errc::invalid_argument);
+    EXPECT_EQ(removeConnector(folders, "another"), std::errc::invalid_argument);
+    put("data", "no folder");
+    EXPECT_TRUE(addConnector(folders, "nemo"));
+    folders.sources = "/nowhere";
+    EXPECT_EQ(addConnector(folders, "nemo"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(find("nemo")->state, State::available);
+}
+
+} // namespace
+
+} // namespace sonarin
