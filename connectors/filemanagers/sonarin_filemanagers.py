@@ -143,6 +143,7 @@ class WithIcons(WithViews):
     def __init__(self, view_kind, entry_kind):
         super().__init__(view_kind)
         self.entry_kind = entry_kind
+        self.last_entry = nowhere, nowhere
         self.found = None, None
 
     def read_view(self, view):
@@ -167,11 +168,12 @@ class WithIcons(WithViews):
 
     def location(self, view):
         """What the address field says that belongs to the view, though it may be hidden."""
-        for around in upwards(view):
-            entry = first(downwards(around, children3), self.entry_kind)
-            if entry is not None:
-                return entry.get_text()
-        return ""
+        last_view, entry = (reference() for reference in self.last_entry)
+        if last_view is not view or entry is None:
+            around = (first(downwards(widget, children3), self.entry_kind) for widget in upwards(view))
+            entry = next(found for found in around if found is not None)
+            self.last_entry = view.weak_ref(), entry.weak_ref()
+        return entry.get_text()
 
 
 def uri_of_name(location, name):

@@ -79,6 +79,10 @@ SelectionSources::Paths selectionIn(const PropertyPoll& poll) {
     return paths;
 }
 
+SelectionSources::Paths onlyFile(const QByteArray& path) {
+    return path.isEmpty() ? QList<QByteArray>() : QList<QByteArray>{path};
+}
+
 using Teller = SelectionSources::Teller;
 
 /// What to say of a family of which no program has answered.
@@ -123,6 +127,7 @@ void BusSources::ask(Question question) {
         break;
     case Question::playerSelection:
         playerSelections_.ask();
+        cmus_.askSelection();
         break;
     case Question::trackPlaying:
         players_.ask();
@@ -135,11 +140,20 @@ SelectionSources::Paths BusSources::answer(Question question) {
     case Question::fileManagerSelection:
         return selectionIn(fileManagers_);
     case Question::playerSelection:
-        return selectionIn(playerSelections_);
+        return isCmusSelectionLatest() ? onlyFile(*cmus_.selection()) : selectionIn(playerSelections_);
     case Question::trackPlaying:
         return trackPlaying();
     }
     return std::nullopt;
+}
+
+/// cmus has no window whose use it could tell; its selection counts since it last changed.
+bool BusSources::isCmusSelectionLatest() const {
+    if (!cmus_.selection()) {
+        return false;
+    }
+    const auto other = playerSelections_.followed();
+    return !other || other->digest.toList().value(0).toLongLong() < cmus_.selectedSince();
 }
 
 SelectionSources::Paths BusSources::trackPlaying() {
@@ -155,7 +169,7 @@ SelectionSources::Paths BusSources::trackPlaying() {
 }
 
 bool BusSources::isPlayerRunning() const {
-    return players_.isAnyRunning() || playerSelections_.isAnyRunning();
+    return players_.isAnyRunning() || playerSelections_.isAnyRunning() || cmus_.selection();
 }
 
 SelectionSources::Teller BusSources::teller(Question question) const {
@@ -163,7 +177,8 @@ SelectionSources::Teller BusSources::teller(Question question) const {
     case Question::fileManagerSelection:
         return selectionTeller(fileManagers_);
     case Question::playerSelection:
-        return selectionTeller(playerSelections_);
+        return isCmusSelectionLatest() ? Teller{Teller::State::selecting, QStringLiteral("cmus")}
+                                       : selectionTeller(playerSelections_);
     case Question::trackPlaying:
         return playerTeller(players_);
     }

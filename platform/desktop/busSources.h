@@ -23,6 +23,7 @@ public:
 
 private:
     Paths trackPlaying();
+    [[nodiscard]] bool isCmusSelectionLatest() const;
 
     PropertyPoll fileManagers_;
     PropertyPoll playerSelections_;

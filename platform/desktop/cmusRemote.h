@@ -3,14 +3,17 @@
 
 #include <QByteArray>
 #include <QElapsedTimer>
+#include <QLocalSocket>
 #include <QObject>
-#include <QProcess>
-#include <QTimer>
+#include <QQueue>
 #include <cstdint>
+#include <optional>
 
 namespace sonarin {
 
-/// cmus does not say over MPRIS which file it plays; its own remote control does.
+/// cmus says neither over MPRIS which file it plays nor by a plug-in which one is selected; its remote
+/// control does, a socket that takes a command a line and ends each answer with an empty line. Nothing waits
+/// here, and nothing is asked anew before cmus has answered.
 class CmusRemote : public QObject {
     Q_OBJECT
 
@@ -21,15 +24,33 @@ public:
     /// now and then.
     QByteArray fileOf(std::uint64_t track);
 
+    /// Asks for the file under the cursor, when cmus is running.
+    void askSelection();
+    /// What was answered last; an empty path where there is no file. Nothing when there was no answer within
+    /// a tenth of a second.
+    [[nodiscard]] std::optional<QByteArray> selection() const { return selection_; }
+    /// Since when it is that, in microseconds of CLOCK_MONOTONIC.
+    [[nodiscard]] qint64 selectedSince() const { return selectedSince_; }
+
 signals:
     void changed();
 
 private:
-    void take();
+    enum class Question { playing, selection };
 
-    QProcess process_;
-    QTimer deadline_;
-    QElapsedTimer started_;
+    void ask(Question question);
+    void read();
+    void take(Question question, const QByteArray& answer);
+    void setSelection(const std::optional<QByteArray>& file);
+    void disconnected();
+
+    QLocalSocket socket_;
+    QByteArray received_;
+    QQueue<Question> asked_; ///< in the order of the answers to come
+    QElapsedTimer selectionAsked_;
+    std::optional<QByteArray> selection_;
+    qint64 selectedSince_ = 0;
+    QElapsedTimer playingAsked_;
     std::uint64_t track_ = 0;
     QByteArray file_;
 };

@@ -66,6 +66,16 @@ constexpr std::array hosts = {
          // Without its type library the Python bindings take Thunar down at its start.
          {{{"/usr/lib/*/thunarx-3/thunarx-python.so", "thunarx-python"},
            {"/usr/lib/*/girepository-1.0/Thunarx-3.0.typelib", "gir1.2-thunarx-3.0"}}}},
+    Host{"quodlibet", "Quod Libet", "Start it anew.", nullptr,
+         {{{"sonarin_selection.py", Folder::config, "quodlibet/plugins/sonarin/sonarin_selection.py"},
+           {"quodlibet/__init__.py", Folder::config, "quodlibet/plugins/sonarin/__init__.py"}}},
+         {}},
+    Host{"rhythmbox", "Rhythmbox", "Start it anew.",
+         "/usr/lib/*/rhythmbox/plugins/sonarin/sonarin.plugin",
+         {{{"sonarin_selection.py", Folder::data, "rhythmbox/plugins/sonarin/sonarin_selection.py"},
+           {"rhythmbox/sonarin_rhythmbox.py", Folder::data, "rhythmbox/plugins/sonarin/sonarin_rhythmbox.py"},
+           {"rhythmbox/sonarin.plugin", Folder::data, "rhythmbox/plugins/sonarin/sonarin.plugin"}}},
+         {{{"/usr/lib/*/libpeas-1.0/loaders/libpython3loader.so", "rhythmbox-plugins"}}}},
 };
 // clang-format on
 

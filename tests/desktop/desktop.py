@@ -3,6 +3,7 @@
 follows what real programs say. Input goes through the X server, as a person's does; what Sonarin shows is read off its
 window's title, which names the file."""
 
+import atexit
 import os
 import pathlib
 import shutil
@@ -38,6 +39,7 @@ class Desktop:
         self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="sonarin-desktop-"))
         self.home = self.scratch / "home"
         self.programs = []
+        atexit.register(self.close)  # whatever ends the tests
         self.environment = {
             # Debian's own programs: an embedded Python looks for its library beside the first python3 in the path.
             "PATH": f"{PREFIX}/bin:/usr/bin:/bin:/usr/games", "HOME": str(self.home), "USER": "tester", "LC_ALL": "C.UTF-8",
@@ -57,11 +59,14 @@ class Desktop:
             raise
 
     def close(self):
+        atexit.unregister(self.close)
         for program in reversed(self.programs):
             if program.poll() is None:
                 program.send_signal(signal.SIGCONT)
                 program.kill()
             program.wait()
+            if program.stdout is not None:
+                program.stdout.close()
         shutil.rmtree(self.scratch, ignore_errors=True)
 
     def _start_screen(self):
