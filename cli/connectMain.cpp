@@ -34,9 +34,9 @@ struct Call {
 std::string stateText(const Connector& connector) {
     switch (connector.state) {
     case Connector::State::lacksPackages: {
-        std::string text = "first needs: apt install";
-        for (const std::string& package : connector.missingPackages) {
-            text += ' ' + package;
+        std::string text;
+        for (const std::string& package : connector.missing) {
+            text += (text.empty() ? "first needs " : ", ") + package;
         }
         return text;
     }

@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <unistd.h>
 
 namespace sonarin {
 
@@ -20,7 +22,7 @@ protected:
     Connectors() {
         folders.root = folder.path("root");
         folders.sources = SONARIN_CONNECTORS;
-        folders.plugins = "/plug ins";
+        folders.plugins = folder.path("plug ins");
         folders.programs = "/programs";
         folders.data = folder.path("data");
         folders.config = folder.path("config");
@@ -68,11 +70,10 @@ TEST_F(Connectors, KnowWhatAProgramLacks) {
     put("bin/thunar"); // nobody may run it
     EXPECT_FALSE(find("thunar"));
     install("thunar");
-    EXPECT_EQ(find("thunar")->missingPackages,
-              (std::vector<std::string>{"thunarx-python", "gir1.2-thunarx-3.0"}));
+    EXPECT_EQ(find("thunar")->missing, (std::vector<std::string>{"thunarx-python", "gir1.2-thunarx-3.0"}));
     put("root/usr/lib/some-arch/thunarx-3/thunarx-python.so");
     EXPECT_EQ(find("thunar")->state, State::lacksPackages);
-    EXPECT_EQ(find("thunar")->missingPackages, std::vector<std::string>{"gir1.2-thunarx-3.0"});
+    EXPECT_EQ(find("thunar")->missing, std::vector<std::string>{"gir1.2-thunarx-3.0"});
     put("root/usr/lib/some-arch/girepository-1.0/Thunarx-3.0.typelib");
     EXPECT_EQ(find("thunar")->state, State::available);
     put("root/usr/share/thunarx-python/extensions/sonarin_filemanagers.py");
@@ -99,6 +100,22 @@ TEST_F(Connectors, ComeAndGoWithoutATrace) {
     EXPECT_EQ(find("caja")->state, State::available);
     EXPECT_EQ(filesOfUser(), 2U);
     EXPECT_FALSE(removeConnector(folders, "caja")); // once more is no failure
+}
+
+/// What has the places of this installation in it, and a menu that must be executable.
+TEST_F(Connectors, NameTheInstallationThatTheyBelongTo) {
+    install("dolphin");
+    EXPECT_EQ(find("dolphin")->missing, std::vector<std::string>{"a Sonarin built with libkf5kio-dev"});
+    put("plug ins/kf5/overlayicon/sonarin_dolphin.so");
+    ASSERT_FALSE(addConnector(folders, "dolphin"));
+    EXPECT_EQ(find("dolphin")->state, State::connected);
+    EXPECT_EQ(access((folders.data + "/kio/servicemenus/sonarin.desktop").c_str(), X_OK), 0);
+    const std::string command =
+        "XDG_CONFIG_HOME='" + folders.config +
+        "' QT_PLUGIN_PATH=/before sh -c '. \"$XDG_CONFIG_HOME/plasma-workspace/env/sonarin.sh\"; "
+        "test \"$QT_PLUGIN_PATH\" = \"" +
+        folders.plugins + ":/before\"'";
+    EXPECT_EQ(std::system(command.c_str()), 0); // NOLINT
 }
 
 TEST_F(Connectors, SayWhatCannotBeDone) {

@@ -17,7 +17,7 @@ QString title(const Connector& connector) {
     switch (connector.state) {
     case State::lacksPackages: {
         QStringList packages;
-        for (const std::string& package : connector.missingPackages) {
+        for (const std::string& package : connector.missing) {
             packages.append(QString::fromStdString(package));
         }
         return QStringLiteral("%1 (first needs %2)").arg(name, packages.join(QStringLiteral(", ")));

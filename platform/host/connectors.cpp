@@ -23,9 +23,10 @@ struct ConnectorFile {
     const char* source; ///< in the folder of the connectors
     Folder folder;
     const char* target; ///< in that folder of the user
+    bool isExecutable = false;
 };
 
-/// A file of the system, as a glob pattern, and the package that brings it.
+/// A file of the system, or one that came with Sonarin, as a glob pattern, and what brings it.
 struct Requirement {
     const char* pattern;
     const char* package;
@@ -66,6 +67,15 @@ constexpr std::array hosts = {
          // Without its type library the Python bindings take Thunar down at its start.
          {{{"/usr/lib/*/thunarx-3/thunarx-python.so", "thunarx-python"},
            {"/usr/lib/*/girepository-1.0/Thunarx-3.0.typelib", "gir1.2-thunarx-3.0"}}}},
+    Host{"dolphin", "Dolphin", "Log out and in again.",
+         "/usr/lib/*/qt5/plugins/kf5/overlayicon/sonarin_dolphin.so",
+         {{{"dolphin/sonarin.sh", Folder::config, "plasma-workspace/env/sonarin.sh"},
+           // A menu that is not the system's must be executable to count.
+           {"dolphin/sonarin.desktop", Folder::data, "kio/servicemenus/sonarin.desktop", true}}},
+         {{{"@SONARIN_PLUGINS@/kf5/overlayicon/sonarin_dolphin.so", "a Sonarin built with libkf5kio-dev"}}}},
+    Host{"pcmanfm-qt", "PCManFM-Qt", "Start it anew.", nullptr,
+         {{{"pcmanfm-qt/sonarin.desktop", Folder::data, "file-manager/actions/sonarin.desktop"}}},
+         {}, true},
     Host{"quodlibet", "Quod Libet", "Start it anew.", nullptr,
          {{{"sonarin_selection.py", Folder::config, "quodlibet/plugins/sonarin/sonarin_selection.py"},
            {"quodlibet/__init__.py", Folder::config, "quodlibet/plugins/sonarin/__init__.py"}}},
@@ -106,9 +116,15 @@ bool hasCommand(const ConnectorFolders& folders, const std::string& command) {
     return false;
 }
 
-bool hasSystemFile(const ConnectorFolders& folders, const char* pattern) {
+constexpr std::string_view pluginsMark = "@SONARIN_PLUGINS@";
+constexpr std::string_view programsMark = "@SONARIN_PROGRAMS@";
+
+bool hasFile(const ConnectorFolders& folders, std::string_view pattern) {
+    const bool isOurs = pattern.substr(0, pluginsMark.size()) == pluginsMark;
+    const std::string path = isOurs ? folders.plugins + std::string(pattern.substr(pluginsMark.size()))
+                                    : folders.root + std::string(pattern);
     glob_t found{};
-    const bool isThere = glob((folders.root + pattern).c_str(), 0, nullptr, &found) == 0;
+    const bool isThere = glob(path.c_str(), 0, nullptr, &found) == 0;
     globfree(&found);
     return isThere;
 }
@@ -135,8 +151,8 @@ void replaceAll(std::string& text, std::string_view what, const std::string& wit
 std::optional<std::string> wantedContent(const ConnectorFolders& folders, const ConnectorFile& file) {
     auto content = contentOf(folders.sources + '/' + file.source);
     if (content) {
-        replaceAll(*content, "@SONARIN_PLUGINS@", folders.plugins);
-        replaceAll(*content, "@SONARIN_PROGRAMS@", folders.programs);
+        replaceAll(*content, pluginsMark, folders.plugins);
+        replaceAll(*content, programsMark, folders.programs);
     }
     return content;
 }
@@ -154,13 +170,13 @@ bool isAdded(const ConnectorFolders& folders, const Host& host) {
 Connector describe(const ConnectorFolders& folders, const Host& host) {
     Connector connector{host.id, host.name, Connector::State::available, {}, host.restart, host.isMenuOnly};
     for (const Requirement& requirement : host.requirements) {
-        if (requirement.pattern != nullptr && !hasSystemFile(folders, requirement.pattern)) {
-            connector.missingPackages.emplace_back(requirement.package);
+        if (requirement.pattern != nullptr && !hasFile(folders, requirement.pattern)) {
+            connector.missing.emplace_back(requirement.package);
         }
     }
-    if (!connector.missingPackages.empty()) {
+    if (!connector.missing.empty()) {
         connector.state = Connector::State::lacksPackages;
-    } else if (host.systemFile != nullptr && hasSystemFile(folders, host.systemFile)) {
+    } else if (host.systemFile != nullptr && hasFile(folders, host.systemFile)) {
         connector.state = Connector::State::connectedForAll;
     } else if (isAdded(folders, host)) {
         connector.state = Connector::State::connected;
@@ -169,7 +185,7 @@ Connector describe(const ConnectorFolders& folders, const Host& host) {
 }
 
 /// Written beside its place and then put there, so that nobody ever loads half a file.
-std::error_code writeFile(const std::string& path, const std::string& content) {
+std::error_code writeFile(const std::string& path, const std::string& content, bool isExecutable) {
     std::error_code failed;
     fs::create_directories(fs::path(path).parent_path(), failed);
     if (failed) {
@@ -185,6 +201,9 @@ std::error_code writeFile(const std::string& path, const std::string& content) {
             fs::remove(beside, failed);
             return cause;
         }
+    }
+    if (isExecutable) {
+        fs::permissions(beside, fs::perms::owner_exec, fs::perm_options::add, failed);
     }
     fs::rename(beside, path, failed);
     return failed;
@@ -250,7 +269,7 @@ std::error_code addConnector(const ConnectorFolders& folders, std::string_view i
         if (!content) {
             return std::make_error_code(std::errc::no_such_file_or_directory);
         }
-        if (const std::error_code failed = writeFile(targetOf(folders, file), *content)) {
+        if (const std::error_code failed = writeFile(targetOf(folders, file), *content, file.isExecutable)) {
             return failed;
         }
     }

@@ -27,6 +27,7 @@ class FileManager:
             raise unittest.SkipTest("NOT TESTED, missing: " + " ".join(gone))
         cls.desktop = Desktop()
         cls.addClassCleanup(cls.desktop.close)
+        cls.prepare()
         cls.music = cls.desktop.home / "Music"
         (cls.music / "folder").mkdir(parents=True)
         for number, name in enumerate(ODD_NAMES):
@@ -38,8 +39,13 @@ class FileManager:
         song(cls.music / "folder" / "inside.mp3")
         said = cls.desktop.output("sonarin-connect", cls.command[0])
         assert "is connected" in said, said
+        cls.desktop.environment.update(cls.desktop.connected_environment())
         cls.desktop.start_sonarin()
         cls.start()
+
+    @classmethod
+    def prepare(cls):
+        """The settings that a file manager needs for these tests."""
 
     @classmethod
     def start(cls):
