@@ -10,12 +10,16 @@ import time
 
 from desktop import Desktop, missing, song
 
-PROGRAMS = {
+FILE_MANAGERS = {
     "nautilus": ("nautilus", "-w"),
     "caja": ("caja", "--no-desktop"),
     "nemo": ("nemo",),
     "thunar": ("thunar",),
     "dolphin": ("dolphin",),
+}
+PLAYERS = {
+    "quodlibet": ("quodlibet",),
+    "rhythmbox": ("rhythmbox",),
 }
 TICK = os.sysconf("SC_CLK_TCK")
 
@@ -38,17 +42,24 @@ class Following:
         self.desktop = Desktop()
         music = self.desktop.home / "Music"
         music.mkdir()
-        song(music / "song.mp3")
+        song(music / "song.mp3", title="a")
+        if program in PLAYERS:
+            song(music / "other.mp3", title="z")
+        settings = self.desktop.home / ".config/quodlibet"
+        settings.mkdir(parents=True)
+        (settings / "config").write_text(f"[settings]\nscan = {music}\n")
         self.desktop.output("sonarin-connect", program)
-        self.desktop.start_sonarin()
-        self.host = self.desktop.spawn(*PROGRAMS[program], music, environment=self.desktop.connected_environment())
+        self.desktop.environment.update(self.desktop.connected_environment())
+        self.desktop.start_sonarin(kind=6 if program in PLAYERS else 5)
+        command = PLAYERS[program] if program in PLAYERS else (*FILE_MANAGERS[program], music)
+        self.host = self.desktop.spawn(*command)
         window = self.desktop.wait_for_window(program)
-        time.sleep(3)
+        time.sleep(6)
         self.desktop.activate(window)
         self.desktop.click_empty_room(window)
-        self.desktop.keys("ctrl+a")
+        self.desktop.keys(*(("End", "Home") if program in PLAYERS else ("ctrl+a",)))
         shown = self.desktop.wait_until_shown("song.mp3")
-        assert shown is not None, program
+        assert shown is not None, (program, self.desktop.names())
 
     def sample(self):
         return time.monotonic(), seconds_used(self.desktop.sonarin), seconds_used(self.host), kilobytes(self.host)
@@ -56,7 +67,7 @@ class Following:
 
 def main():
     seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 60
-    wanted = sys.argv[2:] or [program for program in PROGRAMS if not missing(program)]
+    wanted = sys.argv[2:] or [program for program in (*FILE_MANAGERS, *PLAYERS) if not missing(program)]
     running = [Following(program) for program in wanted]
     time.sleep(20)  # what programs do at their start is not meant
     before = [each.sample() for each in running]

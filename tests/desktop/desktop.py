@@ -163,9 +163,9 @@ class Desktop:
         self.xdotool("mousemove", "--window", window, x, y, "click", button)
 
     def click_empty_room(self, window):
-        """Below the files of a window: that gives them the keyboard, and takes their selection away."""
+        """Below the files or tracks of a window: that gives them the keyboard, and takes their selection away."""
         width, height = self.size(window)
-        self.click(window, width - 80, height - 80)
+        self.click(window, width - 80, height - 110)
 
     def put_on_clipboard(self, text):
         self.output("sh", "-c", 'printf %s "$0" | xclip -i -selection clipboard >/dev/null 2>&1', text)
