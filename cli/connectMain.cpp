@@ -4,8 +4,9 @@
 #include "platform/host/connectors.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <exception>
+#include <iomanip>
+#include <iostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,41 +53,48 @@ std::string stateText(const Connector& connector) {
 
 int list(const std::vector<Connector>& connectors) {
     if (connectors.empty()) {
-        (void)std::puts("No program is installed here that Sonarin could follow.");
+        std::cout << "No program is installed here that Sonarin could follow.\n";
     }
+    constexpr int column = 14;
+    std::cout << std::left;
     for (const Connector& connector : connectors) {
-        (void)std::printf("%-14s%-14s%s\n", connector.id.c_str(), connector.name.c_str(),
-                          stateText(connector).c_str());
+        std::cout << std::setw(column) << connector.id << std::setw(column) << connector.name
+                  << stateText(connector) << '\n';
     }
     return exitDone;
 }
 
-bool complain(const Connector& connector, const std::string& why) {
-    (void)std::fprintf(stderr, "sonarin-connect: %s: %s\n", connector.name.c_str(), why.c_str());
+bool complain(const std::string& about, const std::string& why) {
+    std::cerr << "sonarin-connect: " << about << ": " << why << '\n';
     return false;
 }
 
 bool add(const ConnectorFolders& folders, const Connector& connector) {
     if (connector.state == Connector::State::lacksPackages) {
-        return complain(connector, stateText(connector));
+        return complain(connector.name, stateText(connector));
     }
     if (connector.state != Connector::State::available) {
-        (void)std::printf("%s is %s.\n", connector.name.c_str(), stateText(connector).c_str());
+        std::cout << connector.name << " is " << stateText(connector) << ".\n";
         return true;
     }
     if (const std::error_code failed = addConnector(folders, connector.id)) {
-        return complain(connector, failed.message());
+        return complain(connector.name, failed.message());
     }
-    (void)std::printf("%s is connected. %s\n", connector.name.c_str(), connector.restart.c_str());
+    std::cout << connector.name << " is connected. " << connector.restart << '\n';
     return true;
 }
 
 bool remove(const ConnectorFolders& folders, const Connector& connector) {
     if (const std::error_code failed = removeConnector(folders, connector.id)) {
-        return complain(connector, failed.message());
+        return complain(connector.name, failed.message());
     }
-    (void)std::printf("%s is no longer connected. %s\n", connector.name.c_str(), connector.restart.c_str());
+    std::cout << connector.name << " is no longer connected. " << connector.restart << '\n';
     return true;
+}
+
+int refuse(const std::string& why) {
+    std::cerr << "sonarin-connect: " << why << '\n' << usage;
+    return exitUsage;
 }
 
 int carryOut(const Call& call) {
@@ -99,8 +107,7 @@ int carryOut(const Call& call) {
     for (const std::string& program : call.programs) {
         if (std::none_of(connectors.begin(), connectors.end(),
                          [&](const Connector& c) { return c.id == program; })) {
-            (void)std::fprintf(stderr, "sonarin-connect: %s: not installed here, or not known\n",
-                               program.c_str());
+            complain(program, "not installed here, or not known");
             status = exitNotDone;
         }
     }
@@ -119,11 +126,11 @@ int run(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string_view word = argv[i];
         if (word == "--help" || word == "-h") {
-            (void)std::fputs(usage, stdout);
+            std::cout << usage;
             return exitDone;
         }
         if (word == "--version") {
-            (void)std::puts("sonarin-connect " SONARIN_VERSION);
+            std::cout << "sonarin-connect " SONARIN_VERSION "\n";
             return exitDone;
         }
         if (word == "--all") {
@@ -131,17 +138,16 @@ int run(int argc, char** argv) {
         } else if (word == "--remove") {
             call.remove = true;
         } else if (word.substr(0, 1) == "-") {
-            (void)std::fprintf(stderr, "sonarin-connect: unknown option %s\n%s", argv[i], usage);
-            return exitUsage;
+            return refuse("unknown option " + std::string(word));
         } else {
             call.programs.emplace_back(word);
         }
     }
     if (call.remove && call.programs.empty() && !call.all) {
-        (void)std::fprintf(stderr, "sonarin-connect: --remove needs a program, or --all\n%s", usage);
-        return exitUsage;
+        return refuse("--remove needs a program, or --all");
     }
-    return carryOut(call);
+    const int status = carryOut(call);
+    return std::cout.flush() ? status : exitNotDone;
 }
 
 } // namespace
@@ -152,7 +158,7 @@ int main(int argc, char** argv) {
     try {
         return sonarin::run(argc, argv);
     } catch (const std::exception& failure) {
-        (void)std::fprintf(stderr, "sonarin-connect: %s\n", failure.what());
+        std::cerr << "sonarin-connect: " << failure.what() << '\n';
         return 1;
     }
 }

@@ -47,14 +47,10 @@ ConnectWindow::ConnectWindow(ConnectorFolders folders, QWidget* parent)
     list_ = interface.connectorList;
     note_ = interface.connectNote;
     connect(list_, &QListWidget::itemChanged, this, [this](const QListWidgetItem* item) {
-        // Later, since the list is made anew and the item is still in use.
-        QMetaObject::invokeMethod(
-            this,
-            [this, row = list_->row(item), isWanted = item->checkState() == Qt::Checked] {
-                choose(row, isWanted);
-            },
-            Qt::QueuedConnection);
+        emit chosen(list_->row(item), item->checkState() == Qt::Checked);
     });
+    // Later, since the list is made anew and the item is still in use.
+    connect(this, &ConnectWindow::chosen, this, &ConnectWindow::choose, Qt::QueuedConnection);
     refresh();
 }
 

@@ -20,6 +20,9 @@ public:
     /// Looks again which programs there are.
     void refresh();
 
+signals:
+    void chosen(int row, bool isWanted);
+
 private:
     void choose(int row, bool isWanted);
 

@@ -60,10 +60,10 @@ PropertyPoll::Family selectionFamily(const QString& kind) {
             QStringLiteral("org.sonarin.Selection1"), digestSelection, isUsedLater};
 }
 
-const QString playerPrefix = QStringLiteral("org.mpris.MediaPlayer2.");
+constexpr QLatin1StringView playerPrefix("org.mpris.MediaPlayer2.");
 
 PropertyPoll::Family playerFamily() {
-    return {playerPrefix, QStringLiteral("/org/mpris/MediaPlayer2"),
+    return {QString(playerPrefix), QStringLiteral("/org/mpris/MediaPlayer2"),
             QStringLiteral("org.mpris.MediaPlayer2.Player"), digestPlayer, isPlayedLater};
 }
 

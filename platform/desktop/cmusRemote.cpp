@@ -12,7 +12,7 @@ namespace {
 
 /// Where cmus listens (cmus-remote(1)).
 QString socketPath() {
-    const QString chosen = qEnvironmentVariable("CMUS_SOCKET");
+    QString chosen = qEnvironmentVariable("CMUS_SOCKET");
     if (!chosen.isEmpty()) {
         return chosen;
     }

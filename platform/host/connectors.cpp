@@ -20,23 +20,23 @@ namespace fs = std::filesystem;
 enum class Folder { data, config };
 
 struct ConnectorFile {
-    const char* source; ///< in the folder of the connectors
-    Folder folder;
-    const char* target; ///< in that folder of the user
+    const char* source = nullptr; ///< in the folder of the connectors
+    Folder folder = Folder::data;
+    const char* target = nullptr; ///< in that folder of the user
     bool isExecutable = false;
 };
 
 /// A file of the system, or one that came with Sonarin, as a glob pattern, and what brings it.
 struct Requirement {
-    const char* pattern;
-    const char* package;
+    const char* pattern = nullptr;
+    const char* package = nullptr;
 };
 
 struct Host {
-    const char* id;
-    const char* name;
-    const char* restart;
-    const char* systemFile; ///< a glob pattern for what the connector for all users consists of
+    const char* id = nullptr;
+    const char* name = nullptr;
+    const char* restart = nullptr;
+    const char* systemFile = nullptr; ///< a glob pattern for what the connector for all users consists of
     std::array<ConnectorFile, 3> files;
     std::array<Requirement, 2> requirements;
     bool isMenuOnly = false;
@@ -109,7 +109,7 @@ std::string userFolder(const char* name, const char* inHome) {
 bool hasCommand(const ConnectorFolders& folders, const std::string& command) {
     std::istringstream path(folders.searchPath);
     for (std::string folder; std::getline(path, folder, ':');) {
-        if (!folder.empty() && access((folder + '/' + command).c_str(), X_OK) == 0) {
+        if (!folder.empty() && access(folder.append("/").append(command).c_str(), X_OK) == 0) {
             return true;
         }
     }
@@ -120,11 +120,14 @@ constexpr std::string_view pluginsMark = "@SONARIN_PLUGINS@";
 constexpr std::string_view programsMark = "@SONARIN_PROGRAMS@";
 
 bool hasFile(const ConnectorFolders& folders, std::string_view pattern) {
-    const bool isOurs = pattern.substr(0, pluginsMark.size()) == pluginsMark;
-    const std::string path = isOurs ? folders.plugins + std::string(pattern.substr(pluginsMark.size()))
-                                    : folders.root + std::string(pattern);
+    if (pattern.substr(0, pluginsMark.size()) == pluginsMark) {
+        const std::string path = folders.plugins + std::string(pattern.substr(pluginsMark.size()));
+        return access(path.c_str(), F_OK) == 0;
+    }
+    const std::string path = folders.root + std::string(pattern);
     glob_t found{};
-    const bool isThere = glob(path.c_str(), 0, nullptr, &found) == 0;
+    // Nobody changes the locale meanwhile.
+    const bool isThere = glob(path.c_str(), 0, nullptr, &found) == 0; // NOLINT(concurrency-mt-unsafe)
     globfree(&found);
     return isThere;
 }
