@@ -37,8 +37,8 @@ struct Connector {
     std::string name; ///< as people know the program
     State state = State::available;
     std::vector<std::string> missing; ///< names of Debian packages, and what else is lacking
-    std::string restart;                      ///< what makes the program notice, as a sentence
-    bool isMenuOnly = false; ///< the program cannot be followed, but can show a file in Sonarin
+    std::string restart;              ///< what makes the program notice, as a sentence
+    bool isMenuOnly = false;          ///< the program cannot be followed, but can show a file in Sonarin
 };
 
 /// The connectors of the programs that are installed.
