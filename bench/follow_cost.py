@@ -8,7 +8,7 @@ import os
 import sys
 import time
 
-from desktop import Desktop, missing, song
+from desktop import Desktop, missing, song, wait_until
 
 FILE_MANAGERS = {
     "nautilus": ("nautilus", "-w"),
@@ -56,10 +56,13 @@ class Following:
         window = self.desktop.wait_for_window(program)
         time.sleep(6)
         self.desktop.activate(window)
-        self.desktop.click_empty_room(window)
-        self.desktop.keys(*(("End", "Home") if program in PLAYERS else ("ctrl+a",)))
-        shown = self.desktop.wait_until_shown("song.mp3")
-        assert shown is not None, (program, self.desktop.names())
+        if program in PLAYERS:
+            self.desktop.click_track(window)
+            self.desktop.keys("End", "Home")
+        else:
+            self.desktop.click_empty_room(window)
+            self.desktop.keys("ctrl+a")
+        assert wait_until(lambda: self.desktop.shown, 5), (program, self.desktop.names())
 
     def sample(self):
         return time.monotonic(), seconds_used(self.desktop.sonarin), seconds_used(self.host), kilobytes(self.host)

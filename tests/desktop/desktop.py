@@ -163,9 +163,14 @@ class Desktop:
         self.xdotool("mousemove", "--window", window, x, y, "click", button)
 
     def click_empty_room(self, window):
-        """Below the files or tracks of a window: that gives them the keyboard, and takes their selection away."""
+        """Below the files of a window: that gives them the keyboard, and takes their selection away."""
         width, height = self.size(window)
-        self.click(window, width - 80, height - 110)
+        self.click(window, width - 80, height - 80)
+
+    def click_track(self, window):
+        """Some track near the top of a player's list, in the lower half of its window."""
+        width, height = self.size(window)
+        self.click(window, width // 2, height * 2 // 3)
 
     def put_on_clipboard(self, text):
         self.output("sh", "-c", 'printf %s "$0" | xclip -i -selection clipboard >/dev/null 2>&1', text)

@@ -97,7 +97,7 @@ class Selections(PlayerTest):
         (settings / "config").write_text(f"[settings]\nscan = {self.music}\n[plugins]\n")
         self.connect_and_start("quodlibet")
         time.sleep(4)  # it looks for its songs
-        self.desktop.click_empty_room(self.window)
+        self.desktop.click_track(self.window)
         self.check_list()
 
     def test_rhythmbox(self):
@@ -106,7 +106,7 @@ class Selections(PlayerTest):
         self.write_songs()
         self.connect_and_start("rhythmbox")
         time.sleep(6)  # it looks for its songs in the folder Music
-        self.desktop.click_empty_room(self.window)
+        self.desktop.click_track(self.window)
         self.check_list()
 
     def test_cmus(self):
