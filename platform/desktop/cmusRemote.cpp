@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/cmusRemote.h"
 
-#include <QDir>
-#include <QFile>
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <chrono>
+#include <iterator>
+#include <string_view>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <utility>
 
 namespace sonarin {
@@ -11,14 +16,13 @@ namespace sonarin {
 namespace {
 
 /// Where cmus listens (cmus-remote(1)).
-QString socketPath() {
-    QString chosen = qEnvironmentVariable("CMUS_SOCKET");
+QByteArray socketPath() {
+    QByteArray chosen = qgetenv("CMUS_SOCKET");
     if (!chosen.isEmpty()) {
         return chosen;
     }
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    return runtime.isEmpty() ? QDir::homePath() + QStringLiteral("/.config/cmus/socket")
-                             : runtime + QStringLiteral("/cmus-socket");
+    const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
+    return runtime.isEmpty() ? qgetenv("HOME") + "/.config/cmus/socket" : runtime + "/cmus-socket";
 }
 
 qint64 now() {
@@ -28,11 +32,7 @@ qint64 now() {
 
 } // namespace
 
-CmusRemote::CmusRemote(QObject* parent) : QObject(parent) {
-    connect(&socket_, &QLocalSocket::readyRead, this, &CmusRemote::read);
-    connect(&socket_, &QLocalSocket::disconnected, this, &CmusRemote::disconnected);
-    connect(&socket_, &QLocalSocket::errorOccurred, this, &CmusRemote::disconnected);
-}
+CmusRemote::CmusRemote(QObject* parent) : QObject(parent) {}
 
 QByteArray CmusRemote::fileOf(std::uint64_t track) {
     constexpr qint64 again = 2000; // milliseconds
@@ -58,23 +58,47 @@ void CmusRemote::askSelection() {
     }
 }
 
-void CmusRemote::ask(Question question) {
-    if (socket_.state() == QLocalSocket::UnconnectedState) {
-        const QString path = socketPath();
-        if (!QFile::exists(path)) {
-            return;
-        }
-        socket_.connectToServer(path);
+bool CmusRemote::connectToCmus() {
+    const QByteArray path = socketPath();
+    sockaddr_un address{};
+    if (path.size() >= static_cast<qsizetype>(sizeof address.sun_path)) {
+        return false;
     }
-    if (socket_.state() == QLocalSocket::ConnectedState) {
+    address.sun_family = AF_UNIX;
+    std::copy(path.begin(), path.end(), std::begin(address.sun_path));
+    FileDescriptor fresh(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    const auto* general = reinterpret_cast<const sockaddr*>(&address); // NOLINT(*-reinterpret-cast): its use
+    if (!fresh || ::connect(fresh.get(), general, sizeof address) != 0) {
+        return false;
+    }
+    socket_ = std::move(fresh);
+    readable_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
+    connect(readable_.get(), &QSocketNotifier::activated, this, &CmusRemote::read);
+    return true;
+}
+
+void CmusRemote::ask(Question question) {
+    if (!readable_ && !connectToCmus()) {
+        return;
+    }
+    const std::string_view command = question == Question::playing ? "status\n" : "echo {}\n";
+    const ssize_t sent = send(socket_.get(), command.data(), command.size(), MSG_NOSIGNAL);
+    if (sent == static_cast<ssize_t>(command.size())) {
         asked_.enqueue(question);
-        socket_.write(question == Question::playing ? "status\n" : "echo {}\n");
+    } else {
+        disconnect(); // cmus would not know what to answer
     }
 }
 
 void CmusRemote::read() {
     constexpr qsizetype longest = 65536; // far more than any answer of cmus
-    received_ += socket_.readAll();
+    std::array<char, 4096> part{};
+    const ssize_t count = recv(socket_.get(), part.data(), part.size(), 0);
+    if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) {
+        disconnect();
+        return;
+    }
+    received_.append(part.data(), std::max<qsizetype>(count, 0));
     // An answer without a text is an empty line alone.
     for (;;) {
         const qsizetype end = received_.startsWith('\n') ? 0 : received_.indexOf("\n\n");
@@ -86,7 +110,7 @@ void CmusRemote::read() {
         take(asked_.dequeue(), answer);
     }
     if (received_.size() > longest) {
-        socket_.abort();
+        disconnect();
     }
 }
 
@@ -113,7 +137,12 @@ void CmusRemote::setSelection(const std::optional<QByteArray>& file) {
     }
 }
 
-void CmusRemote::disconnected() {
+void CmusRemote::disconnect() {
+    if (readable_) {
+        readable_->setEnabled(false);
+        readable_.release()->deleteLater(); // its own signal may have led here
+    }
+    socket_ = FileDescriptor();
     asked_.clear();
     received_.clear();
     setSelection(std::nullopt);

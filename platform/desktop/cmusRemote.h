@@ -1,19 +1,23 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/host/fileDescriptor.h"
+
 #include <QByteArray>
 #include <QElapsedTimer>
-#include <QLocalSocket>
 #include <QObject>
 #include <QQueue>
+#include <QSocketNotifier>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 namespace sonarin {
 
 /// cmus says neither over MPRIS which file it plays nor by a plug-in which one is selected; its remote
 /// control does, a socket that takes a command a line and ends each answer with an empty line. Nothing waits
-/// here, and nothing is asked anew before cmus has answered.
+/// here, and nothing is asked anew before cmus has answered. A plain socket, since Qt's own would bring its
+/// whole network library along at every start.
 class CmusRemote : public QObject {
     Q_OBJECT
 
@@ -39,12 +43,14 @@ private:
     enum class Question { playing, selection };
 
     void ask(Question question);
+    bool connectToCmus();
     void read();
     void take(Question question, const QByteArray& answer);
     void setSelection(const std::optional<QByteArray>& file);
-    void disconnected();
+    void disconnect();
 
-    QLocalSocket socket_;
+    FileDescriptor socket_;
+    std::unique_ptr<QSocketNotifier> readable_; ///< null while not connected
     QByteArray received_;
     QQueue<Question> asked_; ///< in the order of the answers to come
     QElapsedTimer selectionAsked_;

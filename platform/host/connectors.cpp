@@ -100,10 +100,15 @@ std::string environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
-/// A folder of the XDG base directory specification, which must be absolute to count.
+/// A folder as XDG's base directories have them, which must be absolute to count; empty when the user has
+/// none.
 std::string userFolder(const char* name, const char* inHome) {
     std::string folder = environment(name);
-    return !folder.empty() && folder.front() == '/' ? folder : environment("HOME") + inHome;
+    if (!folder.empty() && folder.front() == '/') {
+        return folder;
+    }
+    const std::string home = environment("HOME");
+    return !home.empty() && home.front() == '/' ? home + inHome : "";
 }
 
 bool hasCommand(const ConnectorFolders& folders, const std::string& command) {
@@ -264,6 +269,9 @@ std::error_code addConnector(const ConnectorFolders& folders, std::string_view i
     if (host == nullptr) {
         return std::make_error_code(std::errc::invalid_argument);
     }
+    if (folders.data.empty() || folders.config.empty()) {
+        return std::make_error_code(std::errc::not_a_directory);
+    }
     for (const ConnectorFile& file : host->files) {
         if (file.source == nullptr) {
             continue;
@@ -283,6 +291,9 @@ std::error_code removeConnector(const ConnectorFolders& folders, std::string_vie
     const Host* host = hostWithId(id);
     if (host == nullptr) {
         return std::make_error_code(std::errc::invalid_argument);
+    }
+    if (folders.data.empty() || folders.config.empty()) {
+        return std::make_error_code(std::errc::not_a_directory);
     }
     std::error_code failed;
     for (const ConnectorFile& file : host->files) {
