@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Tells Sonarin which songs are selected in Quod Libet's song list. On as soon as it is installed."""
 
+import itertools
 import os
 import urllib.parse
 
@@ -14,16 +15,21 @@ MOST = 100  # of so many selected songs two are files; to list thousands would t
 
 
 def selected_files():
-    rows = app.window.songlist.get_selection()
-    if rows.count_selected_rows() > MOST:
+    selection = app.window.songlist.get_selection()
+    if selection.count_selected_rows() > MOST:
         return [None, None]
-    songs = (song for song in app.window.songlist.get_selected_songs() if song.is_file)
-    return ["file://" + urllib.parse.quote(os.fsencode(song["~filename"])) for song, _ in zip(songs, range(2))]
+    # The list's own get_selected_songs() loses some memory each time, as the bindings do with selected_foreach().
+    model, rows = selection.get_selected_rows()
+    songs = (model.get_value(model.get_iter(row)) for row in rows)
+    files = itertools.islice((song for song in songs if song.is_file), 2)
+    return ["file://" + urllib.parse.quote(os.fsencode(song["~filename"])) for song in files]
 
 
 def publish():
     if app.window is None:
         return True  # once more, a little later
+    if not hasattr(app.window, "songlist"):
+        return False  # Ex Falso, which loads the same plugins
     selection = sonarin_selection.Selection("Player", "quodlibet", "Quod Libet", selected_files)
 
     def activity_changed(window, *_):
