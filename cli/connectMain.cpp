@@ -88,6 +88,9 @@ bool remove(const ConnectorFolders& folders, const Connector& connector) {
     if (const std::error_code failed = removeConnector(folders, connector.id)) {
         return complain(connector.name, failed.message());
     }
+    if (connector.state == Connector::State::connectedForAll) {
+        return complain(connector.name, "stays connected for all users, by the system's package");
+    }
     std::cout << connector.name << " is no longer connected. " << connector.restart << '\n';
     return true;
 }

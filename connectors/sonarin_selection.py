@@ -28,6 +28,7 @@ class Selection:
         self.active_since = 0
         self.connection = None
         self.registration = self.ownership = 0
+        self.is_withdrawn = False
         Gio.bus_get(Gio.BusType.SESSION, None, self._connected)
 
     def used(self, *_):
@@ -35,13 +36,15 @@ class Selection:
         self.active_since = GLib.get_monotonic_time()
 
     def withdraw(self):
+        self.is_withdrawn = True
         if self.registration:
             Gio.bus_unown_name(self.ownership)
             self.connection.unregister_object(self.registration)
             self.registration = 0
-        self.read = lambda: []
 
     def _connected(self, _, result):
+        if self.is_withdrawn:
+            return
         try:
             self.connection = Gio.bus_get_finish(result)
             description = Gio.DBusNodeInfo.new_for_xml(DESCRIPTION).interfaces[0]

@@ -22,10 +22,11 @@ protected:
     Connectors() {
         folders.root = folder.path("root");
         folders.sources = SONARIN_CONNECTORS;
-        folders.plugins = folder.path("plug ins");
+        folders.plugins = folder.path("plug 'ins$(false)");
         folders.programs = "/programs";
         folders.data = folder.path("data");
         folders.config = folder.path("config");
+        folders.quodLibet = folder.path("config/quodlibet");
         folders.searchPath = "/nowhere::" + folder.path("bin");
     }
 
@@ -78,6 +79,8 @@ TEST_F(Connectors, KnowWhatAProgramLacks) {
     EXPECT_EQ(find("thunar")->state, State::available);
     put("root/usr/share/thunarx-python/extensions/sonarin_filemanagers.py");
     EXPECT_EQ(find("thunar")->state, State::connectedForAll);
+    fs::remove(folder.path("root/usr/lib/some-arch/thunarx-3/thunarx-python.so"));
+    EXPECT_EQ(find("thunar")->state, State::connectedForAll);
 }
 
 TEST_F(Connectors, ComeAndGoWithoutATrace) {
@@ -100,21 +103,26 @@ TEST_F(Connectors, ComeAndGoWithoutATrace) {
     EXPECT_EQ(find("caja")->state, State::available);
     EXPECT_EQ(filesOfUser(), 2U);
     EXPECT_FALSE(removeConnector(folders, "caja")); // once more is no failure
+
+    ASSERT_FALSE(addConnector(folders, "quodlibet")); // and left behind, but known, when the program goes
+    EXPECT_EQ(find("quodlibet")->state, State::connected);
+    ASSERT_FALSE(removeConnector(folders, "quodlibet"));
+    EXPECT_FALSE(fs::exists(folders.quodLibet + "/plugins/sonarin"));
+    EXPECT_FALSE(find("quodlibet"));
 }
 
 /// What has the places of this installation in it, and a menu that must be executable.
 TEST_F(Connectors, NameTheInstallationThatTheyBelongTo) {
     install("dolphin");
     EXPECT_EQ(find("dolphin")->missing, std::vector<std::string>{"a Sonarin built with libkf5kio-dev"});
-    put("plug ins/kf5/overlayicon/sonarin_dolphin.so");
+    put("plug 'ins$(false)/kf5/overlayicon/sonarin_dolphin.so");
     ASSERT_FALSE(addConnector(folders, "dolphin"));
     EXPECT_EQ(find("dolphin")->state, State::connected);
     EXPECT_EQ(access((folders.data + "/kio/servicemenus/sonarin.desktop").c_str(), X_OK), 0);
+    setenv("SONARIN_PLUGINS", folders.plugins.c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     const std::string command =
-        "XDG_CONFIG_HOME='" + folders.config +
-        "' QT_PLUGIN_PATH=/before sh -c '. \"$XDG_CONFIG_HOME/plasma-workspace/env/sonarin.sh\"; "
-        "test \"$QT_PLUGIN_PATH\" = \"" +
-        folders.plugins + ":/before\"'";
+        "QT_PLUGIN_PATH=/before; . '" + folders.config +
+        "/plasma-workspace/env/sonarin.sh'; test \"$QT_PLUGIN_PATH\" = \"$SONARIN_PLUGINS:/before\"";
     EXPECT_EQ(std::system(command.c_str()), 0); // NOLINT
 }
 

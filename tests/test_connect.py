@@ -35,6 +35,12 @@ class Connect(unittest.TestCase):
         done = self.call("--remove", "--all")
         self.assertEqual((done.returncode, self.files()), (0, []))
         self.assertIn("Quod Libet is no longer connected.", done.stdout)
+        older = self.home / ".quodlibet"
+        older.mkdir()
+        (self.home / ".config/quodlibet/plugins").rmdir()
+        (self.home / ".config/quodlibet").rmdir()
+        self.call("quodlibet")  # a newer folder would hide the user's library
+        self.assertTrue((older / "plugins/sonarin/__init__.py").exists())
 
     def test_says_what_cannot_be_done(self):
         for words, status, said in [(["--everything"], 2, "unknown option --everything"), (["--remove"], 2, "needs a program"),

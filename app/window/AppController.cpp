@@ -178,7 +178,7 @@ void AppController::awakeFromNib() {
     syncCheckbox->setChecked(defaults_->integer(finderSync) != 0);
     connect(syncCheckbox, &QCheckBox::toggled, this, [this](bool isOn) {
         defaults_->set(finderSync, isOn ? QStringLiteral("1") : QStringLiteral("0"));
-        following_.start();
+        startFollowing();
         showFollowStatus();
     });
     connect(followStatusField, &QLabel::linkActivated, this, &AppController::showConnectors);
@@ -199,9 +199,15 @@ void AppController::awakeFromNib() {
 
 void AppController::useForSync(SyncKind kind) {
     syncType = kind;
-    following_.start();
+    startFollowing();
     defaults_->set(syncKindDefaultKey, static_cast<int>(kind));
     updateSelection();
+}
+
+/// What was selected while nobody looked is of no interest.
+void AppController::startFollowing() {
+    sources_->forget();
+    following_.start();
 }
 
 void AppController::updateSelection() {

@@ -165,6 +165,7 @@ private:
     void callAction(const QByteArray& method);
     void awakeFromNib();
     void useForSync(SyncKind kind);
+    void startFollowing();
     [[nodiscard]] SelectionSources::Question question() const;
     [[nodiscard]] SelectionSources::Paths querySource();
     void clearFacts();

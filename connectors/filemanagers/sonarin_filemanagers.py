@@ -13,6 +13,7 @@ from gi.repository import Gio, GLib, GObject
 import sonarin_selection
 
 SEVERAL = [None, None]  # nobody asks which
+VISITED = set()  # the URIs of the folders that a window of Caja or Nemo has shown
 
 
 def kinds(thing):
@@ -81,7 +82,6 @@ class WithViews:
 
     def __init__(self, view_kind):
         self.view_kind = view_kind
-        self.last_view = nowhere
 
     def read(self, window):
         return self.read_view(self.view_in(window))
@@ -89,11 +89,11 @@ class WithViews:
     def view_in(self, window):
         view = first(upwards(window.get_focus()), self.view_kind)
         if view is None:
-            view = self.last_view()
-            if view is None or not view.get_mapped() or view.get_toplevel() is not window:
+            view = getattr(window, "sonarin_last_view", nowhere)()
+            if view is None or not view.get_mapped():
                 mapped = (widget for widget in downwards(window, children3) if widget.get_mapped())
                 view = first(mapped, self.view_kind)
-        self.last_view = view.weak_ref()
+        window.sonarin_last_view = view.weak_ref()
         return view
 
 
@@ -143,7 +143,6 @@ class WithIcons(WithViews):
     def __init__(self, view_kind, entry_kind):
         super().__init__(view_kind)
         self.entry_kind = entry_kind
-        self.last_entry = nowhere, nowhere
         self.found = None, None
 
     def read_view(self, view):
@@ -168,26 +167,26 @@ class WithIcons(WithViews):
 
     def location(self, view):
         """What the address field says that belongs to the view, though it may be hidden."""
-        last_view, entry = (reference() for reference in self.last_entry)
-        if last_view is not view or entry is None:
+        entry = getattr(view, "sonarin_entry", nowhere)()
+        if entry is None:
             around = (first(downwards(widget, children3), self.entry_kind) for widget in upwards(view))
             entry = next(found for found in around if found is not None)
-            self.last_entry = view.weak_ref(), entry.weak_ref()
+            view.sonarin_entry = entry.weak_ref()
         return entry.get_text()
 
 
 def uri_of_name(location, name):
     folder = Gio.File.parse_name(location)
-    if not folder.is_native():
+    # What is typed into the address field is not where the view is.
+    if not folder.is_native() or folder.get_uri() not in VISITED:
         return None
     file = folder.get_child_for_display_name(name)
     if file.query_exists():
         return file.get_uri()
     # A name may be shown as something that it is not.
-    for info in folder.enumerate_children("standard::name,standard::display-name", Gio.FileQueryInfoFlags.NOFOLLOW_SYMLINKS):
-        if info.get_display_name() == name:
-            return folder.get_child(info.get_name()).get_uri()
-    return None
+    infos = folder.enumerate_children("standard::name,standard::display-name", Gio.FileQueryInfoFlags.NOFOLLOW_SYMLINKS)
+    found = [info.get_name() for info in infos if info.get_display_name() == name]
+    return folder.get_child(found[0]).get_uri() if len(found) == 1 else None
 
 
 # --- the program that this is in ----------------------------------------------------------------------------------------
@@ -226,8 +225,8 @@ class Host:
 def find_host():
     hosts = {  # by the bindings that the program loads
         "Nautilus": ("PropertiesModelProvider", "4.0", "nautilus", "Files", Files),
-        "Caja": ("PropertyPageProvider", "3.0", "caja", "Caja", lambda: WithIcons("FMDirectoryView", "CajaLocationEntry")),
-        "Nemo": ("PropertyPageProvider", "3.0", "nemo", "Nemo", lambda: WithIcons("NemoView", "NemoLocationEntry")),
+        "Caja": ("LocationWidgetProvider", "3.0", "caja", "Caja", lambda: WithIcons("FMDirectoryView", "CajaLocationEntry")),
+        "Nemo": ("LocationWidgetProvider", "3.0", "nemo", "Nemo", lambda: WithIcons("NemoView", "NemoLocationEntry")),
         "Thunarx": ("PropertyPageProvider", "3.0", "thunar", "Thunar", Thunar),
     }
     for name, facts in hosts.items():
@@ -244,4 +243,8 @@ GLib.idle_add(HOST.publish)
 
 
 class SonarinSelection(GObject.GObject, HOST.provider):
-    """The bindings unload an extension that provides nothing. This is asked for when properties are shown, and has none."""
+    """The bindings unload an extension that provides nothing. This is asked for what stands above a folder, or beside the
+    properties of a file, and has nothing for either."""
+
+    def get_widget(self, uri, _window):
+        VISITED.add(Gio.File.new_for_uri(uri).get_uri())

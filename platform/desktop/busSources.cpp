@@ -69,7 +69,7 @@ PropertyPoll::Family playerFamily() {
 
 SelectionSources::Paths selectionIn(const PropertyPoll& poll) {
     const auto followed = poll.followed();
-    if (!followed) {
+    if (!followed || !followed->isCurrent) {
         return std::nullopt;
     }
     QList<QByteArray> paths;
@@ -135,6 +135,13 @@ void BusSources::ask(Question question) {
     }
 }
 
+void BusSources::forget() {
+    for (PropertyPoll* poll : {&fileManagers_, &playerSelections_, &players_}) {
+        poll->forget();
+    }
+    cmus_.forgetSelection();
+}
+
 SelectionSources::Paths BusSources::answer(Question question) {
     switch (question) {
     case Question::fileManagerSelection:
@@ -158,7 +165,7 @@ bool BusSources::isCmusSelectionLatest() const {
 
 SelectionSources::Paths BusSources::trackPlaying() {
     const auto player = players_.followed();
-    if (!player || rank(*player) == 0) {
+    if (!player || !player->isCurrent || rank(*player) == 0) {
         return std::nullopt;
     }
     const QStringList facts = player->digest.toStringList();

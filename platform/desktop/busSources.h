@@ -17,6 +17,7 @@ public:
     explicit BusSources(SessionBus* bus, QObject* parent = nullptr);
 
     void ask(Question question) override;
+    void forget() override;
     Paths answer(Question question) override;
     [[nodiscard]] bool isPlayerRunning() const override;
     [[nodiscard]] Teller teller(Question question) const override;

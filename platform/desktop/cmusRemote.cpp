@@ -30,6 +30,21 @@ qint64 now() {
     return duration_cast<microseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
+/// A status line writes a backslash as two, and a line end as "\\n".
+QByteArray unescaped(const QByteArray& text) {
+    QByteArray plain;
+    bool isEscaped = false;
+    for (const char character : text) {
+        if (character == '\\' && !isEscaped) {
+            isEscaped = true;
+            continue;
+        }
+        plain += isEscaped && character == 'n' ? '\n' : character;
+        isEscaped = false;
+    }
+    return plain;
+}
+
 } // namespace
 
 CmusRemote::CmusRemote(QObject* parent) : QObject(parent) {}
@@ -49,12 +64,15 @@ QByteArray CmusRemote::fileOf(std::uint64_t track) {
 }
 
 void CmusRemote::askSelection() {
-    constexpr qint64 deadline = 100; // milliseconds
-    if (!asked_.contains(Question::selection)) {
+    constexpr qint64 again = 1000;    // milliseconds
+    constexpr qint64 patience = 2000; // milliseconds
+    if (asked_.contains(Question::selection)) {
+        if (selectionAsked_.elapsed() > patience) {
+            setSelection(std::nullopt);
+        }
+    } else if (!selection_ || selectionAsked_.elapsed() > again) {
         selectionAsked_.start();
         ask(Question::selection);
-    } else if (selectionAsked_.elapsed() > deadline) {
-        setSelection(std::nullopt);
     }
 }
 
@@ -109,7 +127,7 @@ void CmusRemote::read() {
         received_.remove(0, end + (end == 0 ? 1 : 2));
         take(asked_.dequeue(), answer);
     }
-    if (received_.size() > longest) {
+    if (received_.size() > longest || (asked_.isEmpty() && !received_.isEmpty())) {
         disconnect();
     }
 }
@@ -122,7 +140,7 @@ void CmusRemote::take(Question question, const QByteArray& answer) {
     }
     for (const QByteArray& line : answer.split('\n')) {
         if (line.startsWith("file /")) {
-            if (std::exchange(file_, line.mid(5)) != file_) {
+            if (std::exchange(file_, unescaped(line.mid(5))) != file_) {
                 emit changed();
             }
             return;
@@ -131,8 +149,11 @@ void CmusRemote::take(Question question, const QByteArray& answer) {
 }
 
 void CmusRemote::setSelection(const std::optional<QByteArray>& file) {
+    if (file && *file != lastSelected_) {
+        selectedSince_ = lastSelected_.isNull() ? 0 : now();
+        lastSelected_ = file->isNull() ? QByteArray("") : *file;
+    }
     if (std::exchange(selection_, file) != file) {
-        selectedSince_ = file ? now() : selectedSince_;
         emit changed();
     }
 }

@@ -28,12 +28,15 @@ public:
     /// now and then.
     QByteArray fileOf(std::uint64_t track);
 
-    /// Asks for the file under the cursor, when cmus is running.
+    /// Asks for the file under the cursor, when cmus is running; once a second, since cmus shows on its own
+    /// screen what it answers. Of several marked tracks cmus tells the first.
     void askSelection();
+    /// What was answered up to now does not count any more.
+    void forgetSelection() { setSelection(std::nullopt); }
     /// What was answered last; an empty path where there is no file. Nothing when there was no answer within
     /// a tenth of a second.
     [[nodiscard]] std::optional<QByteArray> selection() const { return selection_; }
-    /// Since when it is that, in microseconds of CLOCK_MONOTONIC.
+    /// Since when it is that, in microseconds of CLOCK_MONOTONIC; 0 for what it was at first.
     [[nodiscard]] qint64 selectedSince() const { return selectedSince_; }
 
 signals:
@@ -55,6 +58,7 @@ private:
     QQueue<Question> asked_; ///< in the order of the answers to come
     QElapsedTimer selectionAsked_;
     std::optional<QByteArray> selection_;
+    QByteArray lastSelected_; ///< also while no answer counts
     qint64 selectedSince_ = 0;
     QElapsedTimer playingAsked_;
     std::uint64_t track_ = 0;

@@ -30,7 +30,9 @@ using Object = std::unique_ptr<Thing, FreedBy<g_object_unref>>;
 /// GIO and its modules share one connection to the session bus, which would end the program when the bus goes
 /// away. To be called before anything of GIO that may use the bus.
 void outliveTheBus() {
-    const Object<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    // Kept, since what is said to a connection that nobody keeps goes with it.
+    static Object<GDBusConnection> bus;
+    bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     if (bus) {
         g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
     }

@@ -3,13 +3,15 @@
 
 #include <QDBusMessage>
 #include <QDBusPendingReply>
+#include <algorithm>
 #include <limits>
 
 namespace sonarin {
 
 namespace {
 
-constexpr qint64 deadline = 100; // milliseconds
+constexpr qint64 deadline = 100;  // milliseconds, for an answer that counts
+constexpr qint64 patience = 2000; // milliseconds, until another program is followed
 
 QDBusMessage busQuestion(const QString& method) {
     return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
@@ -100,6 +102,12 @@ void PropertyPoll::ask() {
         return;
     }
     forgetOverdueAnswers();
+    const QStringList owners = programs_.keys();
+    for (const QString& owner : owners) {
+        if (programs_[owner].isNew && !programs_[owner].isAsked) {
+            askProgram(owner);
+        }
+    }
     const QString followed = followedOwner();
     if (!followed.isEmpty() && !programs_[followed].isAsked) {
         askProgram(followed);
@@ -112,16 +120,33 @@ void PropertyPoll::ask() {
 }
 
 void PropertyPoll::forgetOverdueAnswers() {
-    bool isAnyOverdue = false;
+    bool isAnyOther = false;
     for (Program& program : programs_) {
-        if (program.isAsked && program.hasAnswered && program.asked.elapsed() > deadline) {
-            program.hasAnswered = false;
-            isAnyOverdue = true;
+        if (!program.isAsked || program.asked.elapsed() <= deadline) {
+            continue;
         }
+        const bool isForgotten = program.hasAnswered && program.asked.elapsed() > patience;
+        isAnyOther = isAnyOther || program.answer.isCurrent || isForgotten || program.isNew;
+        program.answer.isCurrent = false;
+        program.isNew = false;
+        program.hasAnswered = program.hasAnswered && !isForgotten;
     }
-    if (isAnyOverdue) {
+    if (isAnyOther) {
         emit changed();
     }
+}
+
+void PropertyPoll::forget() {
+    for (Program& program : programs_) {
+        program.hasAnswered = false;
+        program.isNew = true;
+        program.answer.isCurrent = false;
+    }
+}
+
+bool PropertyPoll::isAnyNew() const {
+    return std::any_of(programs_.begin(), programs_.end(),
+                       [](const Program& program) { return program.isNew; });
 }
 
 /// The first program behind the one whose turn it was last that owes no answer.
@@ -168,15 +193,18 @@ void PropertyPoll::take(const QString& owner, QDBusPendingCallWatcher* call) {
     const QDBusPendingReply<QVariantMap> reply = *call;
     const bool isInTime = !reply.isError() && program->asked.elapsed() <= deadline;
     const QVariant digest = isInTime ? family_.digest(reply.value()) : QVariant();
-    if (isInTime == program->hasAnswered && digest == program->answer.digest) {
-        return;
-    }
-    program->hasAnswered = isInTime;
+    const bool isOther = program->isNew || isInTime != program->answer.isCurrent ||
+                         (isInTime && digest != program->answer.digest);
+    program->isNew = false;
+    program->answer.isCurrent = isInTime;
+    program->hasAnswered = program->hasAnswered || isInTime;
     if (isInTime && digest != program->answer.digest) {
         program->answer.digest = digest;
         program->answer.changed = ++changes_;
     }
-    emit changed();
+    if (isOther) {
+        emit changed();
+    }
 }
 
 QString PropertyPoll::followedOwner() const {
@@ -191,7 +219,8 @@ QString PropertyPoll::followedOwner() const {
 }
 
 std::optional<PropertyPoll::Answer> PropertyPoll::followed() const {
-    const auto program = programs_.find(followedOwner());
+    // Who answers first at the start is not yet who is to be followed.
+    const auto program = isAnyNew() ? programs_.end() : programs_.find(followedOwner());
     return program == programs_.end() ? std::nullopt : std::optional(program->answer);
 }
 

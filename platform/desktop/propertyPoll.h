@@ -20,11 +20,12 @@ class PropertyPoll : public QObject {
     Q_OBJECT
 
 public:
-    /// What a program answered within a tenth of a second.
+    /// What a program answered.
     struct Answer {
         QStringList names; ///< its names of the family
         QVariant digest;
         std::uint64_t changed = 0; ///< greater, the later the digest became what it is
+        bool isCurrent = false;    ///< to the last question, within a tenth of a second
     };
 
     struct Family {
@@ -39,10 +40,13 @@ public:
 
     PropertyPoll(SessionBus* bus, Family family, QObject* parent = nullptr);
 
-    /// Puts the question to at most two programs that owe no answer.
+    /// Puts the question to at most two programs that owe no answer, and to those that are new.
     void ask();
-    /// The last answer of the program to follow; nothing when none has answered.
+    /// The last answer of the program to follow; nothing when none has answered. A program that owes an
+    /// answer stays the one to follow for two seconds: what another one says is no answer for it.
     [[nodiscard]] std::optional<Answer> followed() const;
+    /// What was answered up to now does not count any more.
+    void forget();
     /// Whether any program has a name of the family.
     [[nodiscard]] bool isAnyRunning() const { return !programs_.isEmpty(); }
 
@@ -56,8 +60,9 @@ private slots:
 private:
     struct Program {
         Answer answer;
-        bool hasAnswered = false; ///< the last question, in time
+        bool hasAnswered = false; ///< and has not owed an answer for long since
         bool isAsked = false;
+        bool isNew = true; ///< has not been asked yet, or has not had the time to answer
         QElapsedTimer asked;
     };
 
@@ -65,6 +70,7 @@ private:
     void addName(const QString& name, const QString& owner);
     void removeName(const QString& name, const QString& owner);
     void forgetOverdueAnswers();
+    [[nodiscard]] bool isAnyNew() const;
     [[nodiscard]] QString followedOwner() const;
     [[nodiscard]] QString nextInTurn() const;
     void askForOwner(const QString& name);

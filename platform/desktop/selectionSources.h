@@ -24,6 +24,8 @@ public:
     using Paths = std::optional<QList<QByteArray>>;
 
     virtual void ask(Question question) = 0;
+    /// Answers to earlier questions do not count any more.
+    virtual void forget() = 0;
     /// Nothing when no program has answered.
     virtual Paths answer(Question question) = 0;
     /// Whether there is a player to ask.

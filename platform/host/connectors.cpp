@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum class Folder { data, config };
+enum class Folder { data, config, quodLibet };
 
 struct ConnectorFile {
     const char* source = nullptr; ///< in the folder of the connectors
@@ -67,7 +67,7 @@ constexpr std::array hosts = {
          // Without its type library the Python bindings take Thunar down at its start.
          {{{"/usr/lib/*/thunarx-3/thunarx-python.so", "thunarx-python"},
            {"/usr/lib/*/girepository-1.0/Thunarx-3.0.typelib", "gir1.2-thunarx-3.0"}}}},
-    Host{"dolphin", "Dolphin", "Log out and in again.",
+    Host{"dolphin", "Dolphin", "Log out of Plasma and in again; on another desktop, set QT_PLUGIN_PATH as ~/.config/plasma-workspace/env/sonarin.sh does.",
          "/usr/lib/*/qt5/plugins/kf5/overlayicon/sonarin_dolphin.so",
          {{{"dolphin/sonarin.sh", Folder::config, "plasma-workspace/env/sonarin.sh"},
            // A menu that is not the system's must be executable to count.
@@ -77,8 +77,8 @@ constexpr std::array hosts = {
          {{{"pcmanfm-qt/sonarin.desktop", Folder::data, "file-manager/actions/sonarin.desktop"}}},
          {}, true},
     Host{"quodlibet", "Quod Libet", "Start it anew.", nullptr,
-         {{{"sonarin_selection.py", Folder::config, "quodlibet/plugins/sonarin/sonarin_selection.py"},
-           {"quodlibet/__init__.py", Folder::config, "quodlibet/plugins/sonarin/__init__.py"}}},
+         {{{"sonarin_selection.py", Folder::quodLibet, "plugins/sonarin/sonarin_selection.py"},
+           {"quodlibet/__init__.py", Folder::quodLibet, "plugins/sonarin/__init__.py"}}},
          {}},
     Host{"rhythmbox", "Rhythmbox", "Start it anew.",
          "/usr/lib/*/rhythmbox/plugins/sonarin/sonarin.plugin",
@@ -102,13 +102,25 @@ std::string environment(const char* name) {
 
 /// A folder as XDG's base directories have them, which must be absolute to count; empty when the user has
 /// none.
-std::string userFolder(const char* name, const char* inHome) {
+std::string xdgFolder(const char* name, const char* inHome) {
     std::string folder = environment(name);
     if (!folder.empty() && folder.front() == '/') {
         return folder;
     }
     const std::string home = environment("HOME");
     return !home.empty() && home.front() == '/' ? home + inHome : "";
+}
+
+/// As Quod Libet chooses it: the folder of older versions counts while there is no newer one.
+std::string quodLibetFolder(const std::string& config) {
+    std::string chosen = environment("QUODLIBET_USERDIR");
+    if (!chosen.empty()) {
+        return chosen;
+    }
+    std::string older = environment("HOME") + "/.quodlibet";
+    std::error_code unknown;
+    const std::string newer = config + "/quodlibet";
+    return !fs::exists(newer, unknown) && fs::is_directory(older, unknown) ? older : newer;
 }
 
 bool hasCommand(const ConnectorFolders& folders, const std::string& command) {
@@ -137,8 +149,14 @@ bool hasFile(const ConnectorFolders& folders, std::string_view pattern) {
     return isThere;
 }
 
+const std::string& userFolder(const ConnectorFolders& folders, Folder folder) {
+    return folder == Folder::data     ? folders.data
+           : folder == Folder::config ? folders.config
+                                      : folders.quodLibet;
+}
+
 std::string targetOf(const ConnectorFolders& folders, const ConnectorFile& file) {
-    return (file.folder == Folder::data ? folders.data : folders.config) + '/' + file.target;
+    return userFolder(folders, file.folder) + '/' + file.target;
 }
 
 std::optional<std::string> contentOf(const std::string& path) {
@@ -155,12 +173,34 @@ void replaceAll(std::string& text, std::string_view what, const std::string& wit
     }
 }
 
+/// A path as the shell takes it between two single quotes.
+std::string forShell(std::string path) {
+    replaceAll(path, "'", "'\\''");
+    return path;
+}
+
+/// A path as the key Exec of a desktop entry takes it between two double quotes: quoted for the command, and
+/// that once more for the text.
+std::string forDesktopEntry(const std::string& path) {
+    std::string quoted;
+    for (const char character : path) {
+        if (std::string_view("\"`$\\").find(character) != std::string_view::npos) {
+            quoted += character == '\\' ? "\\\\\\" : "\\\\";
+        }
+        quoted += character;
+        if (character == '%') {
+            quoted += '%';
+        }
+    }
+    return quoted;
+}
+
 /// What the file is to hold, with the places of this installation put in.
 std::optional<std::string> wantedContent(const ConnectorFolders& folders, const ConnectorFile& file) {
     auto content = contentOf(folders.sources + '/' + file.source);
     if (content) {
-        replaceAll(*content, pluginsMark, folders.plugins);
-        replaceAll(*content, programsMark, folders.programs);
+        replaceAll(*content, pluginsMark, forShell(folders.plugins));
+        replaceAll(*content, programsMark, forDesktopEntry(folders.programs));
     }
     return content;
 }
@@ -182,12 +222,12 @@ Connector describe(const ConnectorFolders& folders, const Host& host) {
             connector.missing.emplace_back(requirement.package);
         }
     }
-    if (!connector.missing.empty()) {
-        connector.state = Connector::State::lacksPackages;
-    } else if (host.systemFile != nullptr && hasFile(folders, host.systemFile)) {
+    if (host.systemFile != nullptr && hasFile(folders, host.systemFile)) {
         connector.state = Connector::State::connectedForAll;
     } else if (isAdded(folders, host)) {
         connector.state = Connector::State::connected;
+    } else if (!connector.missing.empty()) {
+        connector.state = Connector::State::lacksPackages;
     }
     return connector;
 }
@@ -232,6 +272,7 @@ void removeCompiled(const fs::path& file) {
         fs::remove(old, ignored);
     }
     fs::remove(cache, ignored); // unless others have something in it
+    fs::remove(file.parent_path(), ignored);
 }
 
 } // namespace
@@ -248,8 +289,9 @@ ConnectorFolders ConnectorFolders::ofThisUser() {
             folders.plugins = (parent / SONARIN_QT5_PLUGINS).string();
         }
     }
-    folders.data = userFolder("XDG_DATA_HOME", "/.local/share");
-    folders.config = userFolder("XDG_CONFIG_HOME", "/.config");
+    folders.data = xdgFolder("XDG_DATA_HOME", "/.local/share");
+    folders.config = xdgFolder("XDG_CONFIG_HOME", "/.config");
+    folders.quodLibet = quodLibetFolder(folders.config);
     folders.searchPath = environment("PATH");
     return folders;
 }
@@ -257,7 +299,7 @@ ConnectorFolders ConnectorFolders::ofThisUser() {
 std::vector<Connector> findConnectors(const ConnectorFolders& folders) {
     std::vector<Connector> found;
     for (const Host& host : hosts) {
-        if (hasCommand(folders, host.id)) {
+        if (hasCommand(folders, host.id) || isAdded(folders, host)) {
             found.push_back(describe(folders, host));
         }
     }

@@ -19,6 +19,7 @@ struct ConnectorFolders {
     std::string programs;   ///< where Sonarin's own programs are
     std::string data;       ///< the user's data folder
     std::string config;     ///< the user's configuration folder
+    std::string quodLibet;  ///< where Quod Libet keeps what is the user's
     std::string searchPath; ///< of commands, as in PATH
 
     /// Those of the user who runs this program, and of the installation that it belongs to.
@@ -41,7 +42,7 @@ struct Connector {
     bool isMenuOnly = false;          ///< the program cannot be followed, but can show a file in Sonarin
 };
 
-/// The connectors of the programs that are installed.
+/// The connectors of the programs that are installed, and those that are left of one that was.
 [[nodiscard]] std::vector<Connector> findConnectors(const ConnectorFolders& folders);
 
 /// Puts the connector's files into the user's folders, over older ones of the same name.

@@ -89,12 +89,13 @@ class FileManager:
 
     def assert_stays(self, name, seconds=0.6):
         time.sleep(seconds)
+        self.assertIsNone(self.desktop.sonarin.poll())
         self.assertEqual(self.desktop.shown, name)
 
     def scan(self):
         """Points all over the files' part of the window."""
         width, height = self.desktop.size(self.window)
-        return [(int(width * x), int(height * y / 100)) for y in range(30, 75, 6) for x in (0.3, 0.37, 0.5, 0.65)]
+        return [(int(width * x), int(height * y / 100)) for y in range(40, 75, 6) for x in (0.3, 0.37, 0.5, 0.65)]
 
     def use_view(self, view):
         self.view = view
@@ -206,7 +207,8 @@ class FileManager:
         self.assert_shown("song0.mp3")
         self.desktop.output("gio", "trash", song(self.desktop.home / "gone.mp3"))
         self.visit("trash:///")
-        self.press("Home")
+        self.press("ctrl+a")
+        self.assertTrue(wait_until(lambda: "['']" in self.desktop.ask(self.desktop.names()[0]), 5), self.facts())
         self.assert_stays("song0.mp3", 1)
 
     def test_yy_ten_thousand_selected(self):
@@ -217,12 +219,13 @@ class FileManager:
         self.use_view("list")
         self.visit(many)
         end = time.monotonic() + 60  # some take their time to show so many
-        while self.desktop.copied() != [os.fsencode(many / "n00000.mp3")]:
+        while len(self.desktop.copied()) != 1:
             self.assertLess(time.monotonic(), end)
             self.press("Home")
-        self.assert_shown("n00000.mp3", 30)
+        first = os.path.basename(self.desktop.copied()[0]).decode()
+        self.assert_shown(first, 30)
         self.press("ctrl+a")
-        self.assert_stays("n00000.mp3", 2)
+        self.assert_stays(first, 2)
         start = time.monotonic()
         self.assertIn("['', '']", self.desktop.ask(self.desktop.names()[0]))
         self.assertLess(time.monotonic() - start, 2)
@@ -245,18 +248,27 @@ class FileManager:
 
     def test_within_a_quarter_of_a_second(self):
         """From the key to the title of Sonarin's window; the file manager's own time is in it."""
-        self.use_view("list")
-        delays = []
-        self.select_song(0)
-        for number, key in [*[(n, "Down") for n in (1, 2, 3, 4, 5)], *[(n, "Up") for n in (4, 3, 2, 1, 0)]] * 2:
-            time.sleep(0.3 + 0.013 * len(delays))  # at any moment between two questions
-            start = time.monotonic()
-            self.press(key)
-            delays.append(self.desktop.wait_until_shown(f"song{number}.mp3", start))
-        self.assertNotIn(None, delays)
-        delays.sort()
-        print(f"\n{self.program}: median {statistics.median(delays) * 1000:.0f} ms, longest {delays[-1] * 1000:.0f} ms", flush=True)
-        self.assertLess(delays[-2], 0.25)  # this machine may have had something else to do once
+        for view, onwards, back in (("list", "Down", "Up"), ("icons", "Right", "Left")):
+            with self.subTest(view=view):
+                self.use_view(view)
+                self.select(self.music / "folder")
+                names = []  # in the order of the view
+                for _ in range(4):
+                    names.append(os.path.basename(self.desktop.copied()[0]).decode())
+                    self.press(onwards)
+                self.press(back)
+                self.assert_shown(names[-1])
+                delays = []
+                for name, key in [*[(name, back) for name in names[-2::-1]], *[(name, onwards) for name in names[1:]]] * 3:
+                    time.sleep(0.3 + 0.013 * len(delays))  # at any moment between two questions
+                    start = time.monotonic()
+                    self.press(key)
+                    delays.append(self.desktop.wait_until_shown(name, start))
+                self.assertNotIn(None, delays, self.facts())
+                delays.sort()
+                print(f"\n{self.program}, {view}: median {statistics.median(delays) * 1000:.0f} ms, "
+                      f"longest {delays[-1] * 1000:.0f} ms", flush=True)
+                self.assertLess(delays[-2], 0.25)  # this machine may have had something else to do once
 
     def test_zz_goes_with_its_program(self):
         """Killed while it is asked, and started again."""

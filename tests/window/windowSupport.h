@@ -49,6 +49,7 @@ private:
 class FixedSources final : public SelectionSources {
 public:
     void ask(Question /*question*/) override { ++questions; }
+    void forget() override {}
     Paths answer(Question question) override {
         return question == Question::fileManagerSelection ? finder
                : question == Question::playerSelection    ? selection
