@@ -185,7 +185,7 @@ std::string forDesktopEntry(const std::string& path) {
     std::string quoted;
     for (const char character : path) {
         if (std::string_view("\"`$\\").find(character) != std::string_view::npos) {
-            quoted += character == '\\' ? "\\\\\\" : "\\\\";
+            quoted.append(character == '\\' ? 3 : 2, '\\');
         }
         quoted += character;
         if (character == '%') {
