@@ -251,7 +251,9 @@ class FileManager:
         for view, onwards, back in (("list", "Down", "Up"), ("icons", "Right", "Left")):
             with self.subTest(view=view):
                 self.use_view(view)
-                self.select(self.music / "folder")
+                self.press("Home")
+                if not self.desktop.copied():
+                    self.press(onwards)
                 names = []  # in the order of the view
                 for _ in range(4):
                     names.append(os.path.basename(self.desktop.copied()[0]).decode())
