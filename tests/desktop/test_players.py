@@ -54,8 +54,8 @@ class PlayerTest(unittest.TestCase):
     def walk(self, step):
         """The names that Sonarin shows on the way through the list, in their order."""
         names = []
-        for _ in range(len(NAMES) + 2):
-            if wait_until(lambda: self.desktop.shown not in names, 2.5):  # cmus is asked once a second
+        for _ in range(len(NAMES) + 3):
+            if wait_until(lambda: self.desktop.shown not in ["", *names], 2.5):  # cmus is asked once a second
                 names.append(self.desktop.shown)
             step()
         return names
@@ -63,6 +63,7 @@ class PlayerTest(unittest.TestCase):
     def check_list(self):
         """The list has the keyboard and holds the songs that `write_songs` wrote."""
         self.desktop.keys("Home")
+        time.sleep(0.5)  # what is shown still may be the track that was clicked
         names = self.walk(lambda: self.desktop.keys("Down"))
         self.assertEqual(len(names), len(NAMES) + 1)
         self.assertLessEqual(set(NAMES), set(names))
@@ -126,18 +127,18 @@ class Selections(PlayerTest):
         self.assertTrue(wait_until((self.desktop.scratch / "run/cmus-socket").exists, 10))
         self.desktop.output("cmus-remote", "-C", f"add {self.music}", "view 2")
         names = self.walk(lambda: self.desktop.output("cmus-remote", "-C", "win-down"))
-        self.assertEqual(len([name for name in names if name]), len(NAMES) + 1)
+        self.assertEqual(len(names), len(NAMES) + 1)
         self.assertLessEqual(set(NAMES), set(names))
         last = names[-1]
         self.desktop.output("cmus-remote", "-C", "view 5")  # a view without tracks
         self.stays(last)
         self.desktop.output("cmus-remote", "-C", "view 2", "win-top")
-        self.shows(next(name for name in names if name))
+        self.shows(names[0])
         os.kill(process, signal.SIGSTOP)
         self.stays(self.desktop.shown)
         os.kill(process, signal.SIGCONT)
         self.desktop.output("cmus-remote", "-C", "win-down")
-        self.shows([name for name in names if name][1])
+        self.shows(names[1])
 
 
 def drain(terminal):
