@@ -252,13 +252,12 @@ class FileManager:
             with self.subTest(view=view):
                 self.use_view(view)
                 self.press("Home")
-                if not self.desktop.copied():
-                    self.press(onwards)
                 names = []  # in the order of the view
-                for _ in range(4):
-                    names.append(os.path.basename(self.desktop.copied()[0]).decode())
+                for _ in range(8):
+                    names += [os.path.basename(path).decode() for path in self.desktop.copied()]
+                    if len(names) == 4:
+                        break
                     self.press(onwards)
-                self.press(back)
                 self.assert_shown(names[-1])
                 delays = []
                 for name, key in [*[(name, back) for name in names[-2::-1]], *[(name, onwards) for name in names[1:]]] * 3:
