@@ -30,8 +30,6 @@ def publish():
         return True  # once more, a little later
     if not hasattr(app.window, "songlist"):
         return False  # its sister program for tags, which loads the same plug-ins
-    if not hasattr(app.window, "songlist"):
-        return False  # Ex Falso, which loads the same plugins
     selection = sonarin_selection.Selection("Player", "quodlibet", "Quod Libet", selected_files)
 
     def activity_changed(window, *_):

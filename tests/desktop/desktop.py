@@ -155,6 +155,9 @@ class Desktop:
     def keys(self, *names):
         self.xdotool("key", "--delay", "20", *names)
 
+    def title(self, window):
+        return self.xdotool("getwindowname", window, check=False).strip()
+
     def size(self, window):
         facts = self.xdotool("getwindowgeometry", "--shell", window)
         return tuple(int(line.split("=")[1]) for line in facts.split() if line.startswith(("WIDTH", "HEIGHT")))
