@@ -26,6 +26,10 @@ bool ChunkWalk::next(Chunk* chunk) noexcept {
     chunk->size = sizeOrder_ == rcByteOrderBig ? bigEndian32(header, 4) : littleEndian32(header, 4);
     chunk->position = position_;
     position_ += chunkHeaderSize + std::uint64_t{chunk->size};
+    if (chunk->id == 0 && chunk->size == 0) { // a hole of a sparse file is nothing but such chunks
+        const std::uint64_t hole = rcPastHole(cache_, position_) - position_;
+        position_ += hole - hole % chunkHeaderSize;
+    }
     return true;
 }
 

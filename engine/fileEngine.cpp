@@ -19,6 +19,7 @@ namespace sonarin {
 namespace {
 
 constexpr char16_t escapedByteBase = 0xDC00;
+constexpr auto farthest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
 
 bool isEscapedByte(CodePoint unit) {
     return unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF;
@@ -137,7 +138,6 @@ std::int32_t feGetEOF(std::int32_t refNum, std::uint64_t* size) noexcept {
 
 std::int32_t feReadFromFile(std::int32_t refNum, std::uint64_t position, std::uint64_t count,
                             void* buffer) noexcept {
-    constexpr auto farthest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
     if (position > farthest || count > farthest - position) {
         return fileEofErr;
     }
@@ -160,6 +160,22 @@ std::int32_t feReadFromFile(std::int32_t refNum, std::uint64_t position, std::ui
         count -= static_cast<std::uint64_t>(got);
     }
     return fileNoErr;
+}
+
+std::uint64_t feNextData(std::int32_t refNum, std::uint64_t position) noexcept {
+    if (position > farthest) {
+        return position;
+    }
+    const off_t found = lseek(refNum, static_cast<off_t>(position), SEEK_DATA);
+    if (found >= 0) {
+        return static_cast<std::uint64_t>(found);
+    }
+    return errno == ENXIO ? farthest : position; // ENXIO: nothing but a hole is left
+}
+
+std::uint64_t feNextHole(std::int32_t refNum, std::uint64_t position) noexcept {
+    const off_t found = position > farthest ? -1 : lseek(refNum, static_cast<off_t>(position), SEEK_HOLE);
+    return found >= 0 ? static_cast<std::uint64_t>(found) : farthest;
 }
 
 std::int32_t feCloseFile(std::int32_t refNum) noexcept {

@@ -51,6 +51,12 @@ struct FSRef {
 [[nodiscard]] std::int32_t feReadFromFile(std::int32_t refNum, std::uint64_t position, std::uint64_t count,
                                           void* buffer) noexcept;
 
+/// The first position at or behind `position` that holds written data, respectively that lies in a hole of a
+/// sparse file or at its end. `position` itself, respectively the farthest position, where the host cannot
+/// tell.
+[[nodiscard]] std::uint64_t feNextData(std::int32_t refNum, std::uint64_t position) noexcept;
+[[nodiscard]] std::uint64_t feNextHole(std::int32_t refNum, std::uint64_t position) noexcept;
+
 /// Closes the file; 0 or an error.
 std::int32_t feCloseFile(std::int32_t refNum) noexcept;
 

@@ -18,15 +18,40 @@ bool holds(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count)
            count <= cache.validLength - (position - cache.bufferPos);
 }
 
-/// Makes the buffer hold the range, refilling it when it does not.
-std::int32_t provide(rcCacheRec* cache, std::uint64_t position, std::uint64_t count) {
+/// How much the next filling asks for, going by whether it continues the last one.
+std::uint32_t nextFillSize(const rcCacheRec& cache, std::uint64_t position) {
+    constexpr std::uint32_t firstFillSize = 4096;
+    constexpr std::uint32_t growth = 4;
+    const std::uint32_t next = holds(cache, position, 0) ? growth * cache.fillSize : 0;
+    return std::min(std::max(next, firstFillSize), cache.bufferSize);
+}
+
+std::int32_t refill(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) {
+    if (!cache->buffer) {
+        return fileMemFullErr;
+    }
+    const std::uint64_t left = position < cache->eof ? cache->eof - position : 0;
+    cache->fillSize = std::max(nextFillSize(*cache, position), count);
+    cache->bufferPos = position;
+    cache->validLength = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->fillSize, left));
+    cache->work += cache->validLength;
+    const std::int32_t result =
+        feReadFromFile(cache->refNum, position, cache->validLength, cache->buffer.get());
+    if (result != fileNoErr) {
+        cache->validLength = 0;
+    }
+    return result;
+}
+
+/// Makes the buffer, which is large enough, hold the range, refilling it when it does not.
+std::int32_t provide(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) {
     if (!cache->buffer) {
         return fileMemFullErr;
     }
     if (holds(*cache, position, count)) {
         return fileNoErr;
     }
-    const std::int32_t result = rcReadIntoCache(cache, position);
+    const std::int32_t result = refill(cache, position, count);
     if (result != fileNoErr) {
         return result;
     }
@@ -87,19 +112,7 @@ std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uin
 }
 
 std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept {
-    if (!cache->buffer) {
-        return fileMemFullErr;
-    }
-    const std::uint64_t left = position < cache->eof ? cache->eof - position : 0;
-    cache->bufferPos = position;
-    cache->validLength = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->bufferSize, left));
-    cache->work += cache->validLength;
-    const std::int32_t result =
-        feReadFromFile(cache->refNum, position, cache->validLength, cache->buffer.get());
-    if (result != fileNoErr) {
-        cache->validLength = 0;
-    }
-    return result;
+    return refill(cache, position, 0);
 }
 
 ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) noexcept {
@@ -109,6 +122,15 @@ ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t
     }
     const std::uint64_t start = position - cache->bufferPos;
     return {cache->buffer.get() + start, static_cast<std::size_t>(cache->validLength - start)};
+}
+
+std::uint64_t rcPastHole(rcCacheRec* cache, std::uint64_t position) noexcept {
+    if (position < cache->dataEnd) {
+        return position;
+    }
+    const std::uint64_t data = std::min(feNextData(cache->refNum, position), cache->eof);
+    cache->dataEnd = feNextHole(cache->refNum, data);
+    return std::max(data, position);
 }
 
 bool rcRangeIsInFile(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count) noexcept {
@@ -138,6 +160,8 @@ std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept {
     cache->validLength = 0;
     cache->eof = 0;
     cache->work = 0;
+    cache->fillSize = 0;
+    cache->dataEnd = 0;
     cache->refNum = 0;
     return refNum == 0 ? fileNoErr : feCloseFile(refNum);
 }

@@ -9,6 +9,10 @@
 
 /// One buffer over one open file: the many small reads of a parser become one or two reads of the file.
 ///
+/// The facts of nearly every file stand in its first few KiB, so that filling the buffer begins small. It
+/// grows as long as each filling goes on where the one before ended: what is read through is read in large
+/// pieces.
+///
 /// Operations answer 0, fileMemFullErr, fileEofErr, fileShortReadErr or a negated host error number (see
 /// fileEngine.h). Positions are bytes from the file's start, 64 bits wide.
 namespace sonarin {
@@ -25,6 +29,8 @@ struct rcCacheRec {
     std::uint32_t validLength = 0;          ///< bytes of the buffer that hold file data
     std::uint64_t eof = 0;                  ///< the file's size when the cache was opened
     std::uint64_t work = 0;                 ///< bytes read from the file and handed out so far
+    std::uint32_t fillSize = 0;             ///< bytes that the last filling asked for, but for the file's end
+    std::uint64_t dataEnd = 0;              ///< no hole begins before this position (see rcPastHole)
 };
 
 enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any number
@@ -33,7 +39,8 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 };
 
 /// Sets the cache up over the open file `refNum`, which belongs to the cache from then on, also when this
-/// fails. The buffer has `size` bytes, or the file's size when that is less, and is filled from position 0.
+/// fails. The buffer has `size` bytes, or the file's size when that is less, and is filled from position 0
+/// on.
 [[nodiscard]] std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t size) noexcept;
 
 /// Copies `count` bytes at `position` to `destination`. More than the buffer holds goes straight from the
@@ -42,7 +49,8 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 [[nodiscard]] std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
                                            void* destination) noexcept;
 
-/// Refills the buffer from `position`.
+/// Refills the buffer from `position`: with 4 KiB, or with four times as much as the last time, up to the
+/// whole buffer, when `position` lies in or right behind what it holds.
 [[nodiscard]] std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept;
 
 /// The bytes at `position` as they lie in the buffer: at least `count` of them (refilled as above on a miss),
@@ -50,6 +58,10 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 /// The view lives until the next operation on the cache.
 [[nodiscard]] ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position,
                                       std::uint32_t count) noexcept;
+
+/// The first position at or behind `position` that is not in a hole: the bytes in between are zero, were
+/// never written, and need not be read. Behind the last data that is the file's end.
+[[nodiscard]] std::uint64_t rcPastHole(rcCacheRec* cache, std::uint64_t position) noexcept;
 
 /// Whether the file held `count` bytes at `position` when the cache was opened.
 [[nodiscard]] bool rcRangeIsInFile(const rcCacheRec& cache, std::uint64_t position,

@@ -54,7 +54,7 @@ protected:
         for (const std::string& place : {folders.data, folders.config}) {
             std::error_code ignored;
             for (const auto& entry : fs::recursive_directory_iterator(place, ignored)) {
-                count += entry.is_regular_file() ? 1 : 0;
+                count += entry.is_regular_file() ? 1U : 0U;
             }
         }
         return count;

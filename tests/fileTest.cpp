@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -70,6 +71,53 @@ TEST_F(CacheTest, RefillsAtTheMissAndBypassesForMore) {
     EXPECT_EQ(rcReadFromCache(&cache, 950, 101, out.data()), fileEofErr);
     EXPECT_EQ(rcBytesInCache(&cache, 380, 10).size(), 20U);
     EXPECT_TRUE(rcBytesInCache(&cache, 995, 6).empty());
+}
+
+TEST_F(CacheTest, FillsMoreAsLongAsReadsGoOn) {
+    const std::string content = countedBytes(400000);
+    ASSERT_EQ(open(content), 0);
+    struct Step {
+        std::uint64_t position;
+        std::uint32_t count;
+        std::uint32_t filled;
+    };
+    std::string read(70000, '\0');
+    for (const Step& step : {Step{0, 4096, 4096},
+                             {4094, 4, 16384},
+                             {4094 + 16384, 4, 65536},
+                             {86013, 4, 65536},
+                             {200000, 4, 4096},
+                             {204097, 4, 4096},
+                             {300000, 10000, 10000},
+                             {310000, 1, 40000},
+                             {100, 65536, 65536},
+                             {0, 4, 4096},
+                             {399990, 10, 10}}) {
+        ASSERT_EQ(rcReadFromCache(&cache, step.position, step.count, read.data()), 0) << step.position;
+        EXPECT_EQ(read.substr(0, step.count), content.substr(step.position, step.count)) << step.position;
+        EXPECT_EQ(cache.validLength, step.filled) << step.position;
+    }
+    EXPECT_EQ(rcReadIntoCache(&cache, 1000), 0);
+    EXPECT_EQ(cache.validLength, 4096U);
+    EXPECT_EQ(rcReadIntoCache(&cache, 1000 + 4096), 0);
+    EXPECT_EQ(cache.validLength, 16384U);
+}
+
+TEST_F(CacheTest, PassesOverHoles) {
+    ASSERT_EQ(open("begins"), 0);
+    rcCloseCacheAndFile(&cache);
+    constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
+    std::filesystem::resize_file(path_, 64 * mebibyte);
+    std::fstream(path_, std::ios::binary | std::ios::in | std::ios::out).seekp(32 * mebibyte) << "goes on";
+    ASSERT_EQ(rcOpenCache(&cache, feOpenExistingDataFile(feMakePathText(path_), 0), rcStandardBufferSize), 0);
+    EXPECT_EQ(rcPastHole(&cache, 3), 3U);
+    const std::uint64_t data = rcPastHole(&cache, mebibyte);
+    EXPECT_GT(data, 31 * mebibyte); // data comes in blocks, whose size is the file system's own
+    EXPECT_LE(data, 32 * mebibyte);
+    EXPECT_EQ(rcPastHole(&cache, data + 1), data + 1);
+    EXPECT_EQ(rcPastHole(&cache, 40 * mebibyte), 64 * mebibyte);
+    EXPECT_EQ(rcPastHole(&cache, 65 * mebibyte), 65 * mebibyte);
+    EXPECT_EQ(rcPastHole(&cache, ~std::uint64_t{0}), ~std::uint64_t{0});
 }
 
 TEST_F(CacheTest, ReadsIntegersInBothOrders) {
