@@ -7,7 +7,7 @@
 
 namespace sonarin {
 
-ShownFile readShownFile(SvxStringRef path) noexcept {
+ShownFile readShownFile(SvxStringRef path, Pictures pictures) noexcept {
     ShownFile file;
     file.path = std::move(path);
     FSRef ref;
@@ -15,7 +15,7 @@ ShownFile readShownFile(SvxStringRef path) noexcept {
         file.attributes = hostFileAttributes(ref.path);
     }
     if (file.attributes.isRegular) {
-        file.result = amdGetAudioMetaDataForFile(file.path, &file.record, &file.type);
+        file.result = amdGetAudioMetaDataForFile(file.path, &file.record, &file.type, pictures);
     } else {
         file.type = amdAudioFileType(file.path);
     }

@@ -33,7 +33,7 @@ void readAndPrint(const std::vector<std::string>& paths) {
     const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
     OutputBuffer out(null);
     for (const std::string& path : paths) {
-        appendJson(out, readShownFile(feMakePathText(path)));
+        appendJson(out, readShownFile(feMakePathText(path), Pictures::find));
         out.flush();
     }
     close(null);

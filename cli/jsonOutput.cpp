@@ -236,8 +236,8 @@ void appendRecord(JsonWriter& json, const audioTags& record) {
     json.text<"mp3Genre2String">(record.mp3Genre2String);
     json.text<"mp3LyricsString">(record.mp3LyricsString);
     json.text<"mp3EncoderAppString">(record.mp3EncoderAppString);
-    if (record.mp3CoverArt) {
-        json.number<"mp3CoverArt">(static_cast<std::int64_t>(record.mp3CoverArt.size()));
+    if (record.mp3CoverArtPlace.size != 0) {
+        json.number<"mp3CoverArt">(record.mp3CoverArtPlace.size);
     } else {
         json.null<"mp3CoverArt">();
     }

@@ -58,7 +58,7 @@ int showFiles(const CommandLine& call) {
     int status = exitAllRead;
     bool isFirst = true;
     for (const std::string& path : call.files) {
-        const ShownFile file = readShownFile(feMakePathText(path));
+        const ShownFile file = readShownFile(feMakePathText(path), Pictures::find);
         if (asJson) {
             appendJson(out, file);
         } else {
@@ -81,7 +81,7 @@ int showFiles(const CommandLine& call) {
 }
 
 int writeCoverOf(const CommandLine& call) {
-    const ShownFile file = readShownFile(feMakePathText(call.files.front()));
+    const ShownFile file = readShownFile(feMakePathText(call.files.front()), Pictures::load);
     if (!file.isRead()) {
         complainAbout(file, failureCause(file));
     }

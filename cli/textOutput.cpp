@@ -132,11 +132,10 @@ void appendText(OutputBuffer& out, const ShownFile& file, bool inColour) {
     list.field("Channels", facts.id3ChannelsField);
     list.field("Encoder", facts.id3EncoderAppField);
     list.field("Tag", facts.id3TagVersionField);
-    if (file.record.mp3CoverArt) {
+    if (file.record.mp3CoverArtPlace.size != 0) {
         list.field("Cover",
-                   SvxStringCreateWithFormat("%@, %li bytes",
-                                             {fourCharacterText(file.record.mp3CoverArtType),
-                                              static_cast<std::int64_t>(file.record.mp3CoverArt.size())}));
+                   SvxStringCreateWithFormat("%@, %li bytes", {fourCharacterText(file.record.mp3CoverArtType),
+                                                               file.record.mp3CoverArtPlace.size}));
     }
     list.field("Lyrics", file.record.mp3LyricsString);
 }

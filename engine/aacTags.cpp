@@ -52,7 +52,8 @@ constexpr std::array<TextItem, 8> textItems = {{
 /// One pass over the items of the list. An item holds a value atom, whose value begins 24 bytes in.
 class ItemWalk {
 public:
-    ItemWalk(audioTags* record, rcCacheRec* cache) : record_(record), cache_(cache) {}
+    ItemWalk(audioTags* record, rcCacheRec* cache, Pictures pictures)
+        : record_(record), cache_(cache), pictures_(pictures) {}
 
     void run(std::uint64_t position, std::uint64_t end) {
         while (position < end && result_ == fileNoErr) {
@@ -81,7 +82,7 @@ private:
             takeTrack(position);
             return;
         case fourCC("covr"):
-            mp3ReadCoverArt(record_, position, item.size, cache_);
+            mp3ReadCoverArt(record_, position, item.size, cache_, pictures_);
             return;
         default:
             break;
@@ -129,6 +130,7 @@ private:
 
     audioTags* record_;
     rcCacheRec* cache_;
+    Pictures pictures_;
     std::uint64_t textBudget_ = cache_->eof + slack;
     std::int32_t result_ = fileNoErr; ///< of the last read that may end the walk
 };
@@ -237,7 +239,7 @@ std::int32_t aacReadQuickTimeToSvxStringRef(rcCacheRec* cache, std::uint64_t ite
     return fileNoErr;
 }
 
-bool aacGetFileInfo(const SvxStringRef& path, audioTags* record) noexcept {
+bool aacGetFileInfo(const SvxStringRef& path, audioTags* record, Pictures pictures) noexcept {
     CachedFile file(path);
     rcCacheRec* cache = file.cache();
     aacAtomHeader atom;
@@ -264,7 +266,7 @@ bool aacGetFileInfo(const SvxStringRef& path, audioTags* record) noexcept {
     if (findQTAtom(fourCC("ilst"), &position, limit, cache, &atom) != fileNoErr) {
         return false;
     }
-    ItemWalk(record, cache).run(position + headerSize, position + atom.size);
+    ItemWalk(record, cache, pictures).run(position + headerSize, position + atom.size);
     return true;
 }
 

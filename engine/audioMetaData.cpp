@@ -105,23 +105,23 @@ bool wavePossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_
     return type == fourCC("WAVE") || endsWithAny(name, {".WAVE", ".WAV"});
 }
 
-std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record,
-                                        std::int32_t* type) noexcept {
+std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record, std::int32_t* type,
+                                        Pictures pictures) noexcept {
     const std::int32_t found = amdAudioFileType(path);
     if (type != nullptr) {
         *type = found;
     }
     switch (found) {
     case amdTypeMP3:
-        return mp3GetFileInfo(path, record) != 0 ? 0 : -1;
+        return mp3GetFileInfo(path, record, pictures) != 0 ? 0 : -1;
     case amdTypeM4A:
     case amdTypeM4P:
-        return aacGetFileInfo(path, record) ? 0 : -1;
+        return aacGetFileInfo(path, record, pictures) ? 0 : -1;
     case amdTypeWAVE:
         return waveGetFileInfo(path, record) ? 0 : -1;
     case amdTypeAIFF: {
         miAudioInfo info;
-        if (!miGetAIFFInfo(path, &info, record)) {
+        if (!miGetAIFFInfo(path, &info, record, pictures)) {
             return -1;
         }
         miStoreInfo(info, record);
@@ -150,6 +150,7 @@ void mp3DisposeTagsData(audioTags* record) noexcept {
     SvxStringRelease(&record->mp3LyricsString);
     SvxStringRelease(&record->mp3EncoderAppString);
     record->mp3CoverArt = ByteBlock();
+    record->mp3CoverArtPlace = {};
 }
 
 } // namespace sonarin

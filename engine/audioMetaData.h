@@ -12,6 +12,19 @@
 /// a file. Nothing throws, and the engine keeps no state between calls.
 namespace sonarin {
 
+/// A run of bytes of the file.
+struct FilePlace {
+    std::uint64_t position = 0;
+    std::uint32_t size = 0;
+};
+
+/// What a reader does with the picture that it finds: a picture may be larger than all else that is read, and
+/// who prints its size does not need its bytes.
+enum class Pictures : std::uint8_t {
+    load,
+    find ///< sets its type and place only
+};
+
 /// The facts and tags of one audio file. A cleared record is `audioTags{}`: numbers 0, texts absent, no
 /// picture. The record owns its texts and its picture.
 struct audioTags {
@@ -36,7 +49,8 @@ struct audioTags {
     SvxStringRef mp3Genre2String; ///< the genre as text
     SvxStringRef mp3LyricsString;
     SvxStringRef mp3EncoderAppString;
-    ByteBlock mp3CoverArt;             ///< the bytes of one image file
+    ByteBlock mp3CoverArt;      ///< the bytes of one image file; none where Pictures::find was asked for
+    FilePlace mp3CoverArtPlace; ///< where those bytes stand in the audio file; of size 0 without a picture
     std::uint32_t mp3CoverArtType = 0; ///< "JPEG", "PNGf" or "BMPf" as a four-character code; 0 for none
 };
 
@@ -56,7 +70,8 @@ enum AudioFileType : std::int32_t { // NOLINT(*-enum-size): codes are passed as 
 /// Reads the file into `*record`, which must be cleared. 0 for success, -1 for failure, which may leave a
 /// partly filled record. `*type`, unless null, gets the AudioFileType that the file was taken for.
 [[nodiscard]] std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record,
-                                                      std::int32_t* type = nullptr) noexcept;
+                                                      std::int32_t* type = nullptr,
+                                                      Pictures pictures = Pictures::load) noexcept;
 
 /// A new picture from the record's cover; null when there is none, or its bytes are no image that the program
 /// can decode. The format is recognised by the bytes: mp3CoverArtType may be wrong.

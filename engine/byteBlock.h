@@ -23,19 +23,12 @@ public:
     }
 
     explicit operator bool() const noexcept { return size_ != 0; }
-    [[nodiscard]] std::uint8_t* data() noexcept { return bytes_.get() + start_; }
+    [[nodiscard]] std::uint8_t* data() noexcept { return bytes_.get(); }
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
-    [[nodiscard]] ByteView view() const noexcept { return {bytes_.get() + start_, size_}; }
-
-    /// Leaves the first `count` bytes, which must be there, out of the block.
-    void dropFront(std::size_t count) noexcept {
-        start_ += count;
-        size_ -= count;
-    }
+    [[nodiscard]] ByteView view() const noexcept { return {bytes_.get(), size_}; }
 
 private:
     std::unique_ptr<std::uint8_t[]> bytes_; // NOLINT(*-avoid-c-arrays): a vector would zero it first
-    std::size_t start_ = 0;
     std::size_t size_ = 0;
 };
 

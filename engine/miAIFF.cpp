@@ -90,15 +90,15 @@ miAudioInfo infoOf(const CommonChunk& common, const ChunkWalk& form) {
 /// chunk's, so a million small chunks could each ask for the rest of the file.
 class TagChunks {
 public:
-    TagChunks(audioTags* record, rcCacheRec* cache)
-        : record_(record), cache_(cache), mostWork_(workPerByte * cache->eof + slack) {}
+    TagChunks(audioTags* record, rcCacheRec* cache, Pictures pictures)
+        : record_(record), cache_(cache), pictures_(pictures), mostWork_(workPerByte * cache->eof + slack) {}
 
     void take(const Chunk& chunk) {
         if (record_ == nullptr || cache_->work > mostWork_) {
             return;
         }
         std::uint64_t position = chunk.position + chunkHeaderSize;
-        mp3ReadV2Tags(record_, &position, cache_);
+        mp3ReadV2Tags(record_, &position, cache_, pictures_);
     }
 
 private:
@@ -109,12 +109,14 @@ private:
 
     audioTags* record_;
     rcCacheRec* cache_;
+    Pictures pictures_;
     std::uint64_t mostWork_;
 };
 
 } // namespace
 
-bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* record) noexcept {
+bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* record,
+                   Pictures pictures) noexcept {
     if (info != nullptr) {
         *info = {};
     }
@@ -124,7 +126,7 @@ bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* recor
         (walk.formType() != fourCC("AIFF") && walk.formType() != fourCC("AIFC"))) {
         return false;
     }
-    TagChunks tags(record, file.cache());
+    TagChunks tags(record, file.cache(), pictures);
     bool commFound = false;
     for (Chunk chunk; walk.next(&chunk);) {
         if (chunk.id == fourCC("ID3 ")) {

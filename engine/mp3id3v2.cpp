@@ -79,7 +79,8 @@ struct Frame {
 /// One pass over the frames of one tag.
 class FrameWalk {
 public:
-    FrameWalk(audioTags* record, rcCacheRec* cache) : record_(record), cache_(cache) {}
+    FrameWalk(audioTags* record, rcCacheRec* cache, Pictures pictures)
+        : record_(record), cache_(cache), pictures_(pictures) {}
 
     /// Reads the frames from `position` up to the first that begins at or behind `end`.
     std::int32_t run(const FrameLayout& layout, std::uint64_t position, std::uint64_t end) {
@@ -136,13 +137,14 @@ private:
             record_->mp3Year = static_cast<std::uint16_t>(SvxStringGetIntValue(text));
             break;
         case FrameKind::picture:
-            mp3ReadCoverArt(record_, content, frame.size, cache_);
+            mp3ReadCoverArt(record_, content, frame.size, cache_, pictures_);
             break;
         }
     }
 
     audioTags* record_;
     rcCacheRec* cache_;
+    Pictures pictures_;
 };
 
 /// Replaces a reference such as "(17)" or "(17)Rock" by the name of that genre; anything else, "(0)" too,
@@ -168,7 +170,8 @@ void resolveGenreReference(SvxStringRef* genre) {
 
 } // namespace
 
-std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRec* cache) noexcept {
+std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRec* cache,
+                           Pictures pictures) noexcept {
     std::array<std::uint8_t, tagHeaderSize> header{};
     std::int32_t result = rcReadFromCache(cache, *position, header.size(), header.data());
     if (result != fileNoErr) {
@@ -186,7 +189,7 @@ std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRe
         record->mp3TagVersion = majorVersion > 4 ? 3 : majorVersion;
         const FrameLayout& layout = majorVersion == 2 ? version2Layout : version3Layout;
         if (result == fileNoErr) {
-            result = FrameWalk(record, cache).run(layout, firstFrame, end);
+            result = FrameWalk(record, cache, pictures).run(layout, firstFrame, end);
         }
     }
     *position = end;

@@ -24,6 +24,9 @@ std::optional<MpegFrameHeader> findFirstFrame(rcCacheRec* cache, std::uint64_t* 
         if (bytes.size() - found >= mpegFrameHeaderSize) {
             return decodeMpegFrameHeader(bytes.subspan(found));
         }
+        if (bytes.back() == 0) {
+            *position = rcPastHole(cache, *position); // a sparse file's hole may be larger than any disk
+        }
     }
 }
 
@@ -70,11 +73,12 @@ void storeAverages(std::uint32_t frames, std::uint64_t bytes, audioTags* record)
 
 /// Reads the ID3v2 tag at the file's start, if there is one, and moves `*position` behind it. True when it
 /// gave text that makes the ID3v1 block superfluous.
-bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, ByteView start, audioTags* record) {
+bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, ByteView start, audioTags* record,
+                    Pictures pictures) {
     if (bigEndian24(start) != (fourCC("ID3 ") >> 8U)) {
         return false;
     }
-    mp3ReadV2Tags(record, position, cache);
+    mp3ReadV2Tags(record, position, cache, pictures);
     return SvxStringGetLength(record->mp3SongTitleString) + SvxStringGetLength(record->mp3ArtistString) +
                SvxStringGetLength(record->mp3AlbumString) + SvxStringGetLength(record->mp3CommentString) !=
            0;
@@ -82,7 +86,7 @@ bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, ByteView start, 
 
 } // namespace
 
-std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record) noexcept {
+std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record, Pictures pictures) noexcept {
     CachedFile file(path);
     rcCacheRec* cache = file.cache();
     std::array<std::uint8_t, 4> start{};
@@ -91,7 +95,7 @@ std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record) noexcep
     }
     const std::uint64_t size = cache->eof;
     std::uint64_t position = 0;
-    const bool tagGaveText = readLeadingTag(cache, &position, start, record);
+    const bool tagGaveText = readLeadingTag(cache, &position, start, record, pictures);
 
     const std::optional<MpegFrameHeader> header = findFirstFrame(cache, &position);
     if (!header) {

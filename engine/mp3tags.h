@@ -12,11 +12,13 @@ namespace sonarin {
 
 /// Reads the file into a cleared record. 1 when a frame header was found; 0 when the file cannot be read or
 /// holds none, in which case tags read before that stay in the record.
-[[nodiscard]] std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record) noexcept;
+[[nodiscard]] std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record,
+                                          Pictures pictures = Pictures::load) noexcept;
 
 /// Reads the ID3v2 tag at `*position`, whose "ID3" the caller has seen, and moves `*position` to the tag's
 /// end. Answers the result of the last cache read.
-std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRec* cache) noexcept;
+std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRec* cache,
+                           Pictures pictures = Pictures::load) noexcept;
 
 /// Fills the record from the ID3v1 block in the last 128 bytes of the file, if there is one.
 void mp3ReadV1Tag(audioTags* record, rcCacheRec* cache, std::uint64_t fileSize) noexcept;
@@ -33,10 +35,10 @@ void mp3DecodeTrackInfo(const SvxStringRef& text, std::uint16_t* track, std::uin
 void mp3ReadSvxStringFromFile(rcCacheRec* cache, std::uint64_t offset, std::uint32_t count,
                               SvxStringRef* field) noexcept;
 
-/// Stores the picture of one frame, whose `count` bytes at `offset` are as above, in the record. 0 when one
-/// was stored, -1 for fewer than 100 bytes, -2 when the bytes cannot be read or hold no start of a picture;
-/// the record is then unchanged.
-std::int32_t mp3ReadCoverArt(audioTags* record, std::uint64_t offset, std::uint32_t count,
-                             rcCacheRec* cache) noexcept;
+/// Finds the picture of one frame, whose `count` bytes at `offset` are as above, and stores it in the record:
+/// its type and place, and its bytes when they are to be loaded. 0 when one was stored, -1 for fewer than 100
+/// bytes, -2 when the bytes cannot be read or hold no start of a picture; the record is then unchanged.
+std::int32_t mp3ReadCoverArt(audioTags* record, std::uint64_t offset, std::uint32_t count, rcCacheRec* cache,
+                             Pictures pictures = Pictures::load) noexcept;
 
 } // namespace sonarin

@@ -134,6 +134,11 @@ TEST(FramePicture, StartsWhereItsFormatSays) {
              {bytes("x\0\0") + jpeg + rest, {0, jpeg + rest, "JPEG"}},
              {rest + bytes("JPG\0zz"), {0, bytes("G\0zz"), "JPEG"}},
              {rest + png.substr(0, 3), none},
+             {std::string(4092, 'x') + bytes("\0\0") + jpeg,
+              {0, jpeg, "JPEG"}}, // across two fillings of the buffer
+             {std::string(4094, 'x') + png + std::string(70000, 'r'),
+              {0, png + std::string(70000, 'r'), "PNGf"}},
+             {std::string(90000, 'x') + bytes("\0\0") + jpeg, {0, jpeg, "JPEG"}},
              {std::string(98, 'x'), {-1, "", ""}},
          }) {
         OpenBytes file("?" + c.content + "N");
@@ -145,6 +150,27 @@ TEST(FramePicture, StartsWhereItsFormatSays) {
         const std::string type =
             record.mp3CoverArtType == 0 ? "" : plain(fourCharacterText(record.mp3CoverArtType));
         EXPECT_EQ((Picture{result, std::string(asCharacters(record.mp3CoverArt.view())), type}), expected);
+
+        audioTags unloaded;
+        EXPECT_EQ(mp3ReadCoverArt(&unloaded, 1, count, &file.cache, Pictures::find), result);
+        EXPECT_FALSE(unloaded.mp3CoverArt);
+        EXPECT_EQ(unloaded.mp3CoverArtType, record.mp3CoverArtType);
+        EXPECT_EQ(unloaded.mp3CoverArtPlace.size, expected.bytes.size());
+        EXPECT_EQ(("?" + c.content + "N").substr(unloaded.mp3CoverArtPlace.position, expected.bytes.size()),
+                  expected.bytes);
+    }
+}
+
+TEST(FramePicture, IsNoneWhenTheFileChangesMeanwhile) {
+    const std::string start = bytes("image/png\0\3\0\x89PNG");
+    for (const std::string& changed :
+         {start + std::string(50000, 'p'), std::string(100016, 'q'), std::string()}) {
+        OpenBytes file(start + std::string(100000, 'p'));
+        file.change(changed); // the buffer still holds what the file began with
+        audioTags record;
+        EXPECT_EQ(mp3ReadCoverArt(&record, 0, 100000, &file.cache), -2);
+        EXPECT_FALSE(record.mp3CoverArt);
+        EXPECT_EQ(record.mp3CoverArtPlace.size, 0U);
     }
 }
 

@@ -238,6 +238,20 @@ class HostileFiles(Folder):
         os.truncate(path, (5 << 30) + 123)
         self.assertEqual(self.read_within(path, 60), 0)
 
+    def test_holes_larger_than_any_disk(self):
+        frame, tag = b"\xff\xfb\x90\0" + bytes(400), b"ID3\3\0\0\0\0\0\0"
+        form = b"RIFF\xff\xff\xff\xffWAVE"
+        for name, start, far, end, status in (
+                ("a.mp3", tag, 1 << 42, frame, 0), ("b.mp3", tag, 1 << 42, b"", 1),
+                ("c.wav", form, (1 << 42) + 4, b"fmt \x10\0\0\0\1\0\1\0\x44\xac\0\0\x44\xac\0\0\1\0\x08\0", 0)):
+            with self.subTest(name=name), open(self.folder / name, "wb") as file:
+                file.write(start)
+                file.truncate(far)
+                file.seek(far)
+                file.write(end)
+                file.flush()
+                self.assertEqual(self.read_within(file.name, 60), status)
+
     def test_a_tag_of_joined_frames(self):
         frames = (b"TPE1\0\0\0\3\0\0\0ab" * 200000)
         header = b"ID3\3\0\0" + bytes(len(frames) >> shift & 127 for shift in (21, 14, 7, 0))

@@ -14,10 +14,12 @@ namespace sonarin {
 class OpenBytes {
 public:
     explicit OpenBytes(const std::string& content) {
-        const std::string path = folder_.write("bytes", content);
-        opened =
-            rcOpenCache(&cache, feOpenExistingDataFile(feMakePathText(path), 0), rcStandardBufferSize) == 0;
+        change(content);
+        const SvxStringRef path = feMakePathText(folder_.path("bytes"));
+        opened = rcOpenCache(&cache, feOpenExistingDataFile(path, 0), rcStandardBufferSize) == 0;
     }
+    /// Gives the file that is open another content.
+    void change(const std::string& content) const { folder_.write("bytes", content); }
     OpenBytes(const OpenBytes&) = delete;
     OpenBytes& operator=(const OpenBytes&) = delete;
     ~OpenBytes() { rcCloseCacheAndFile(&cache); }
