@@ -19,47 +19,6 @@ using namespace sonarin::bench;
 using namespace sonarin::sample;
 
 constexpr std::size_t readSize = 65536;
-/// open + fstat + pread of 64 KiB + close.
-void touch(const std::string& path, char* buffer) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat status {};
-    fstat(file, &status);
-    benchmark::DoNotOptimize(pread(file, buffer, readSize, 0));
-    close(file);
-}
-
-std::string ordinaryFrames() {
-    return id3Frame("TIT2", bytes("\0The Title of a Song")) +
-           id3Frame("TPE1", bytes("\0The Artist Who Plays It")) +
-           id3Frame("TALB", bytes("\0The Album It Is On")) + id3Frame("TRCK", bytes("\0003/12")) +
-           id3Frame("TYER", bytes("\0001999")) + id3Frame("TCON", bytes("\0(17)")) +
-           id3Frame("COMM", bytes("\0eng\0A comment of a few words.\0")) +
-           id3Frame("TENC", bytes("\0An Encoder")) + id3Frame("TXXX", bytes("\0key\0value"));
-}
-
-std::string ordinaryFile(std::size_t coverSize) {
-    std::string frames = ordinaryFrames();
-    if (coverSize != 0) {
-        frames += id3Frame("APIC", bytes("\0image/jpeg\0\3\0\xFF\xD8\xFF\xE0") + std::string(coverSize, 'j'));
-    }
-    return id3Tag(frames, 1024) + mpegAudio(200000);
-}
-
-const std::vector<std::string>& ordinaryFiles() {
-    static const auto files = makeFiles("plain.mp3", ordinaryFile(0), fileCount);
-    return files;
-}
-
-void touchFiles(benchmark::State& state) {
-    const auto buffer = std::make_unique<char[]>(readSize);
-    for (auto unused : state) {
-        for (const std::string& path : ordinaryFiles()) {
-            touch(path, buffer.get());
-        }
-    }
-    state.counters["files"] = fileCount;
-}
-
 void readThrough(benchmark::State& state, const std::string& path) {
     const auto buffer = std::make_unique<char[]>(readSize);
     for (auto unused : state) {
@@ -130,16 +89,11 @@ void registerLargeOnes() {
 }
 
 const bool registered = [] {
-    benchmark::RegisterBenchmark("file/floor", touchFiles)->Repetitions(20);
-    benchmark::RegisterBenchmark("file/mp3-without-cover", [](benchmark::State& state) {
-        printFiles(state, ordinaryFiles());
-    })->Repetitions(20);
-    benchmark::RegisterBenchmark("file/mp3-with-60KB-cover", [](benchmark::State& state) {
-        static const auto files = makeFiles("cover.mp3", ordinaryFile(60000), fileCount);
-        printFiles(state, files);
-    })->Repetitions(20);
     benchmark::RegisterBenchmark("start/sonarin-info-json", [](benchmark::State& state) {
-        startProgram(state, SONARIN_INFO " --json " + ordinaryFiles().front() + " > /dev/null");
+        startProgram(
+            state, SONARIN_INFO " --json " +
+                       makeFile("small.mp3", id3Tag(id3Frame("TIT2", bytes("\0A Title"))) + mpegAudio(2000)) +
+                       " > /dev/null");
     });
     benchmark::RegisterBenchmark("start/floor",
                                  [](benchmark::State& state) { startProgram(state, "/bin/true"); });

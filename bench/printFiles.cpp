@@ -28,7 +28,9 @@ void startUp() {
     benchmark::DoNotOptimize(done);
 }
 
-void readAndPrint(const std::vector<std::string>& paths) {
+} // namespace
+
+void printAsJson(const std::vector<std::string>& paths) {
     startUp();
     const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
     OutputBuffer out(null);
@@ -39,11 +41,9 @@ void readAndPrint(const std::vector<std::string>& paths) {
     close(null);
 }
 
-} // namespace
-
 void printFiles(benchmark::State& state, const std::vector<std::string>& paths) {
     for (auto unused : state) {
-        readAndPrint(paths);
+        printAsJson(paths);
     }
     state.counters["files"] = static_cast<double>(paths.size());
 }

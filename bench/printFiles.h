@@ -9,10 +9,8 @@
 
 namespace sonarin::bench {
 
-/// How many files a benchmark of small files reads in one iteration.
-inline constexpr std::size_t fileCount = 1000;
-
 /// Reads the files and prints them as JSON to nowhere, as sonarin-info does.
+void printAsJson(const std::vector<std::string>& paths);
 void printFiles(benchmark::State& state, const std::vector<std::string>& paths);
 
 } // namespace sonarin::bench
