@@ -28,7 +28,7 @@ constexpr bool keepsBlocks = true;
 /// The size of every short text's block, so that any of them can hold the next one.
 constexpr std::size_t shortBlockSize = 128;
 
-/// Blocks of released short texts, kept for the next ones: dozens come and go with every file.
+/// Blocks of short texts that a thread released, kept for its next ones: dozens come and go with every file.
 class ShortBlocks {
 public:
     /// A kept block; null when there is none.
@@ -47,11 +47,28 @@ private:
     std::size_t count_ = 0;
 };
 
-constinit ShortBlocks shortBlocks; // NOLINT(*-avoid-non-const-global-variables): texts belong to one thread
-
-} // namespace
+constinit thread_local ShortBlocks shortBlocks; // NOLINT(*-avoid-non-const-global-variables)
 
 // NOLINTBEGIN(cppcoreguidelines-no-malloc): it is realloc that lets a long text grow without a second copy
+
+/// Frees what a thread kept when it ends. Apart from the blocks themselves, so that using those needs no
+/// check whether they are there yet.
+class ShortBlocksOwner {
+public:
+    ShortBlocksOwner() = default;
+    ShortBlocksOwner(const ShortBlocksOwner&) = delete;
+    ShortBlocksOwner& operator=(const ShortBlocksOwner&) = delete;
+    ~ShortBlocksOwner() {
+        while (void* block = shortBlocks.take()) {
+            std::free(block);
+        }
+    }
+    void* newBlock() const noexcept { return std::malloc(shortBlockSize); }
+};
+
+thread_local const ShortBlocksOwner shortBlocksOwner;
+
+} // namespace
 
 SvxString* SvxString::allocate(std::size_t count, bool wide) noexcept {
     const std::size_t size = blockSize(count, wide);
@@ -61,7 +78,7 @@ SvxString* SvxString::allocate(std::size_t count, bool wide) noexcept {
     const bool isShort = size <= shortBlockSize;
     void* block = isShort ? shortBlocks.take() : nullptr;
     if (block == nullptr) {
-        block = std::malloc(isShort ? shortBlockSize : size);
+        block = isShort ? shortBlocksOwner.newBlock() : std::malloc(size);
     }
     if (block == nullptr) {
         return nullptr;
@@ -82,7 +99,7 @@ void SvxStringRef::destroy(SvxString* text) noexcept {
 
 /// Makes the text one that only this reference holds, with room for `count` units of that width.
 bool SvxStringRef::makeRoom(std::size_t count, bool wide) noexcept {
-    const bool sole = text_->references_ == 1 && text_->wide_ == wide;
+    const bool sole = text_->isHeldOnce() && text_->wide_ == wide;
     if (sole && count <= text_->capacity_) {
         return true;
     }

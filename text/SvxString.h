@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -61,6 +62,14 @@ private:
     [[nodiscard]] const void* units() const noexcept { return this + 1; }
     [[nodiscard]] void* units() noexcept { return this + 1; }
 
+    void retain() noexcept { std::atomic_ref(references_).fetch_add(1, std::memory_order_relaxed); }
+    /// Whether nobody else holds the text: what others did with it before they let go is then done.
+    bool isHeldOnce() noexcept { return std::atomic_ref(references_).load(std::memory_order_acquire) == 1; }
+    /// Whether that was the last reference.
+    bool release() noexcept {
+        return isHeldOnce() || std::atomic_ref(references_).fetch_sub(1, std::memory_order_acq_rel) == 1;
+    }
+
     std::size_t count_ = 0;
     std::size_t capacity_ = 0; ///< in units
     std::uint32_t references_ = 1;
@@ -68,7 +77,7 @@ private:
 };
 
 /// A reference to a text, or the absent value, which is not the same as a text of length 0. Copying retains,
-/// destroying releases; references are counted without locks, for one thread.
+/// destroying releases. Threads may share a text, but not one reference to it.
 class SvxStringRef {
 public:
     constexpr SvxStringRef() noexcept = default;
@@ -103,11 +112,11 @@ private:
     explicit SvxStringRef(SvxString* owned) noexcept : text_(owned) {}
     void retain() const noexcept {
         if (text_ != nullptr) {
-            ++text_->references_;
+            text_->retain();
         }
     }
     void release() noexcept {
-        if (text_ != nullptr && --text_->references_ == 0) {
+        if (text_ != nullptr && text_->release()) {
             destroy(text_);
         }
     }

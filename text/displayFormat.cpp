@@ -13,22 +13,24 @@
 #include <exception>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace sonarin {
 
 namespace {
 
-/// Created once and used for the program's lifetime.
-std::unique_ptr<icu::NumberFormat> gOneFractionDigitFormatter;
+/// Created once and used for the program's lifetime, by any thread: its const functions may be called at
+/// once.
+std::unique_ptr<const icu::NumberFormat> gOneFractionDigitFormatter;
 
 /// Files in a row share their sampling rates, and the formatter takes longer than all else that is done for a
-/// file's panel: the last numbers are kept.
+/// file's panel: each thread keeps its last numbers.
 struct FormattedNumber {
     std::uint64_t bits = 0; ///< of the number, so that 0 and -0 differ
     SvxStringRef text;
 };
 constexpr unsigned recentBits = 6;
-std::array<FormattedNumber, 1U << recentBits> recentNumbers;
+thread_local std::array<FormattedNumber, 1U << recentBits> recentNumbers;
 
 /// Fibonacci hashing: sizes and rates differ in few bits of the middle.
 std::size_t recentIndex(std::uint64_t bits) {
@@ -53,19 +55,19 @@ constexpr std::array<SizeUnit, 4> sizeUnits = {{
 
 void svxStringInitString() noexcept {
     recentNumbers = {};
+    gOneFractionDigitFormatter.reset();
     try {
         UErrorCode status = U_ZERO_ERROR;
-        gOneFractionDigitFormatter.reset(
+        std::unique_ptr<icu::NumberFormat> formatter(
             icu::NumberFormat::createInstance(icu::Locale(userNumberLocale().c_str()), UNUM_DECIMAL, status));
-        if (U_FAILURE(status) != 0) {
-            gOneFractionDigitFormatter.reset();
-            return;
+        if (U_FAILURE(status) == 0) {
+            formatter->setMinimumFractionDigits(1);
+            formatter->setMaximumFractionDigits(1);
+            formatter->setRoundingMode(icu::NumberFormat::kRoundHalfEven);
+            gOneFractionDigitFormatter = std::move(formatter);
         }
-        gOneFractionDigitFormatter->setMinimumFractionDigits(1);
-        gOneFractionDigitFormatter->setMaximumFractionDigits(1);
-        gOneFractionDigitFormatter->setRoundingMode(icu::NumberFormat::kRoundHalfEven);
     } catch (const std::exception&) {
-        gOneFractionDigitFormatter.reset();
+        // Out of memory: as if the user's locale had no number format.
     }
 }
 

@@ -56,6 +56,7 @@ SvxStringRef StringBundle::localizedString(std::string_view key, std::string_vie
 }
 
 const StringBundle::Table& StringBundle::tableNamed(std::string_view name) const {
+    const std::lock_guard lock(tablesMutex_);
     const auto known = tables_.find(name);
     if (known != tables_.end()) {
         return known->second;

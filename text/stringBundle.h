@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -24,7 +25,7 @@ public:
     StringBundle(std::string folder, const std::string& language);
 
     /// The text under `key` (ASCII) in the table, or `key` itself when the table lacks it. A table is read
-    /// once.
+    /// once. Threads may ask at the same time.
     [[nodiscard]] SvxStringRef localizedString(std::string_view key, std::string_view table) const noexcept;
 
     /// Where the bundle's other resources lie.
@@ -36,7 +37,8 @@ private:
 
     std::string folder_;
     std::string languageFolder_;
-    mutable std::map<std::string, Table, std::less<>> tables_;
+    mutable std::mutex tablesMutex_;
+    mutable std::map<std::string, Table, std::less<>> tables_; ///< a table that is there does not change
 };
 
 } // namespace sonarin
