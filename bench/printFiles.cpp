@@ -33,7 +33,8 @@ void startUp() {
 void printAsJson(const std::vector<std::string>& paths) {
     startUp();
     const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    OutputBuffer out(null);
+    FileSink sink(null);
+    OutputBuffer out(sink);
     for (const std::string& path : paths) {
         appendJson(out, readShownFile(feMakePathText(path), Pictures::find));
         out.flush();

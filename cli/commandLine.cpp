@@ -2,22 +2,46 @@
 #include "cli/commandLine.h"
 
 #include <array>
+#include <charconv>
 #include <getopt.h>
+#include <string_view>
+#include <system_error>
 
 namespace sonarin {
 
 namespace {
 
-enum Option : int { optionJson = 1, optionCover, optionForce, optionHelp, optionVersion };
+enum Option : int {
+    optionJson = 1,
+    optionCover,
+    optionForce,
+    optionNameList,
+    optionRecursive,
+    optionJobs,
+    optionHelp,
+    optionVersion
+};
 
-constexpr std::array<option, 6> options = {{
+constexpr std::array<option, 9> options = {{
     {"json", no_argument, nullptr, optionJson},
     {"cover", required_argument, nullptr, optionCover},
     {"force", no_argument, nullptr, optionForce},
+    {"files0-from", required_argument, nullptr, optionNameList},
+    {"recursive", no_argument, nullptr, optionRecursive},
+    {"jobs", required_argument, nullptr, optionJobs},
     {"help", no_argument, nullptr, optionHelp},
     {"version", no_argument, nullptr, optionVersion},
     {nullptr, 0, nullptr, 0},
 }};
+
+constexpr unsigned mostJobs = 1024;
+
+/// The number of jobs that a text says; 0 for none that is allowed.
+unsigned jobsFrom(std::string_view text) {
+    unsigned jobs = 0;
+    const auto [end, error] = std::from_chars(text.begin(), text.end(), jobs);
+    return error == std::errc() && end == text.end() && jobs <= mostJobs ? jobs : 0;
+}
 
 std::string findProblem(const CommandLine& call, bool json, bool cover) {
     if (call.action == CommandLine::Action::help || call.action == CommandLine::Action::version) {
@@ -29,10 +53,14 @@ std::string findProblem(const CommandLine& call, bool json, bool cover) {
     if (call.force && !cover) {
         return "--force goes with --cover";
     }
-    if (call.files.empty()) {
+    if (!call.nameList.empty() && !call.files.empty()) {
+        return "--files0-from takes no files besides";
+    }
+    if (call.files.empty() && call.nameList.empty()) {
         return "no file is named";
     }
-    return cover && call.files.size() != 1 ? "--cover takes one file" : std::string();
+    const bool isOneFile = call.files.size() == 1 && !call.recursive && call.jobs == 0;
+    return cover && !isOneFile ? "--cover takes one file" : std::string();
 }
 
 } // namespace
@@ -45,7 +73,7 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
     for (;;) {
         // The program has no second thread.
         const int found =
-            getopt_long(argc, argv, ":hj", options.data(), nullptr); // NOLINT(concurrency-mt-unsafe)
+            getopt_long(argc, argv, ":hjr", options.data(), nullptr); // NOLINT(concurrency-mt-unsafe)
         if (found == -1) {
             break;
         }
@@ -62,6 +90,20 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
             break;
         case optionForce:
             call.force = true;
+            break;
+        case optionNameList:
+            call.nameList = optarg;
+            break;
+        case 'r':
+        case optionRecursive:
+            call.recursive = true;
+            break;
+        case optionJobs:
+            call.jobs = jobsFrom(optarg);
+            if (call.jobs == 0) {
+                *problem = "--jobs takes a number from 1 to " + std::to_string(mostJobs);
+                return std::nullopt;
+            }
             break;
         case 'h':
         case optionHelp:
@@ -90,11 +132,18 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
 const char* usageText() noexcept {
     return "Usage: sonarin-info FILE...\n"
            "       sonarin-info --json FILE...\n"
+           "       sonarin-info [--json] --files0-from LIST\n"
            "       sonarin-info --cover OUT [--force] FILE\n"
            "\n"
            "Shows the technical facts and tags of audio files.\n"
            "\n"
            "  -j, --json       print one JSON object per line per file\n"
+           "  -r, --recursive  take the audio files in folders, in the order of their names;\n"
+           "                   links to folders are not followed\n"
+           "      --files0-from LIST\n"
+           "                   take the names in the file LIST (\"-\" is standard input), each\n"
+           "                   ended by a zero byte, as find -print0 writes them\n"
+           "      --jobs N     read N files at once (few: one; many: one per processor core)\n"
            "      --cover OUT  write the file's cover picture to OUT (\"-\" is standard output)\n"
            "      --force      let --cover replace an existing file\n"
            "  -h, --help       show this text\n"

@@ -14,6 +14,9 @@ struct CommandLine {
     std::string coverTarget; ///< for writeCover
     bool force = false;
     std::vector<std::string> files; ///< paths as bytes
+    std::string nameList;   ///< the file that lists further ones, "-" for standard input; empty for none
+    bool recursive = false; ///< take the files in folders
+    unsigned jobs = 0;      ///< files read at once; 0 for as many as there is reason to
 };
 
 /// The options and files of a call; nothing for wrong usage, in which case `*problem` says what is wrong.

@@ -27,9 +27,8 @@ bool isSameFile(const std::string& one, const std::string& other) {
 }
 
 std::string writeAll(int descriptor, ByteView bytes) {
-    OutputBuffer out(descriptor);
-    out.append(asCharacters(bytes));
-    return out.flush() ? std::string() : hostErrorText(out.errorNumber());
+    const int error = FileSink(descriptor).write(asCharacters(bytes));
+    return error == 0 ? std::string() : hostErrorText(error);
 }
 
 } // namespace

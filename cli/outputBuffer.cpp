@@ -18,8 +18,22 @@ void waitUntilWritable(int descriptor) {
 
 } // namespace
 
-OutputBuffer::OutputBuffer(int descriptor)
-    : descriptor_(descriptor), buffer_(new char[capacity]) {} // NOLINT(*-avoid-c-arrays)
+int FileSink::write(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+        if (written >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+            waitUntilWritable(descriptor_);
+        } else if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+OutputBuffer::OutputBuffer(OutputSink& sink)
+    : sink_(sink), buffer_(new char[capacity]) {} // NOLINT(*-avoid-c-arrays)
 
 void OutputBuffer::appendBeyondBuffer(std::string_view bytes) {
     flush();
@@ -43,15 +57,8 @@ bool OutputBuffer::flush() {
 }
 
 void OutputBuffer::write(std::string_view bytes) {
-    while (!bytes.empty() && errorNumber_ == 0) {
-        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-        if (written >= 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
-            waitUntilWritable(descriptor_);
-        } else if (errno != EINTR) {
-            errorNumber_ = errno;
-        }
+    if (!bytes.empty() && errorNumber_ == 0) {
+        errorNumber_ = sink_.write(bytes);
     }
 }
 

@@ -6,14 +6,37 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace sonarin {
 
-/// Output to an open file, gathered so that what belongs together leaves in one system call. However long a
-/// text is, no more of it than the buffer is held.
+/// Where the bytes of an output go.
+class OutputSink {
+public:
+    OutputSink() = default;
+    OutputSink(const OutputSink&) = delete;
+    OutputSink& operator=(const OutputSink&) = delete;
+    virtual ~OutputSink() = default;
+    /// Takes all bytes; 0, or the host's number of the error that kept it from doing so.
+    virtual int write(std::string_view bytes) = 0;
+};
+
+/// An open file, which stays its owner's.
+class FileSink final : public OutputSink {
+public:
+    explicit FileSink(int descriptor) noexcept : descriptor_(descriptor) {}
+    int write(std::string_view bytes) override;
+
+private:
+    int descriptor_;
+};
+
+/// Output gathered so that what belongs together leaves in one piece. However long a text is, no more of it
+/// than the buffer is held.
 class OutputBuffer {
 public:
-    explicit OutputBuffer(int descriptor);
+    /// The sink must outlive the buffer.
+    explicit OutputBuffer(OutputSink& sink);
 
     [[gnu::always_inline]] void append(std::string_view bytes) {
         if (bytes.size() > capacity - used_) {
@@ -44,6 +67,9 @@ public:
 
     /// Writes what is gathered. False when this or an earlier write failed; errorNumber tells why.
     bool flush();
+    [[nodiscard]] bool isEmpty() const noexcept { return used_ == 0; }
+    /// What is gathered, which the caller takes over.
+    [[nodiscard]] std::string_view takeAll() noexcept { return {buffer_.get(), std::exchange(used_, 0)}; }
     [[nodiscard]] int errorNumber() const noexcept { return errorNumber_; }
 
 private:
@@ -52,7 +78,7 @@ private:
     void appendBeyondBuffer(std::string_view bytes);
     void write(std::string_view bytes);
 
-    int descriptor_;
+    OutputSink& sink_;
     int errorNumber_ = 0;
     std::size_t used_ = 0;
     std::unique_ptr<char[]> buffer_; // NOLINT(*-avoid-c-arrays): a vector would zero it first

@@ -26,16 +26,7 @@ HostTypeCodes typeCodesOf(const SvxStringRef& path) {
     return feMakeFSRefFromPath(path, &ref) == fileNoErr ? hostTypeCodes(ref.path) : HostTypeCodes{};
 }
 
-} // namespace
-
-std::int32_t amdAudioFileType(const SvxStringRef& path) noexcept {
-    const SvxStringRef name = feLastPathComponent(path);
-    // The first test, once its name decides, says yes whatever the codes are: no need to ask the disk for
-    // them.
-    if (mp3PossibleFile(name, 0, 0) != 0) {
-        return amdTypeMP3;
-    }
-    const HostTypeCodes codes = typeCodesOf(path);
+std::int32_t typeFor(const SvxStringRef& name, const HostTypeCodes& codes) {
     if (mp3PossibleFile(name, codes.type, codes.creator) != 0) {
         return amdTypeMP3;
     }
@@ -47,6 +38,22 @@ std::int32_t amdAudioFileType(const SvxStringRef& path) noexcept {
         return amdTypeAIFF;
     }
     return wavePossibleFile(name, codes.type, codes.creator) ? amdTypeWAVE : amdTypeNone;
+}
+
+} // namespace
+
+std::int32_t amdAudioFileTypeOfName(const SvxStringRef& name) noexcept {
+    return typeFor(name, {});
+}
+
+std::int32_t amdAudioFileType(const SvxStringRef& path) noexcept {
+    const SvxStringRef name = feLastPathComponent(path);
+    // The first test, once its name decides, says yes whatever the codes are: no need to ask the disk for
+    // them.
+    if (mp3PossibleFile(name, 0, 0) != 0) {
+        return amdTypeMP3;
+    }
+    return typeFor(name, typeCodesOf(path));
 }
 
 std::uint32_t mp3PossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_t creator) noexcept {

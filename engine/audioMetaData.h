@@ -67,6 +67,10 @@ enum AudioFileType : std::int32_t { // NOLINT(*-enum-size): codes are passed as 
 /// looked at, and a file that is missing is classified by its name.
 [[nodiscard]] std::int32_t amdAudioFileType(const SvxStringRef& path) noexcept;
 
+/// The type that a name alone gives a file, without asking the disk. Codes may change it to another one, or
+/// give one to a file whose name gives none, but never take it away.
+[[nodiscard]] std::int32_t amdAudioFileTypeOfName(const SvxStringRef& name) noexcept;
+
 /// Reads the file into `*record`, which must be cleared. 0 for success, -1 for failure, which may leave a
 /// partly filled record. `*type`, unless null, gets the AudioFileType that the file was taken for.
 [[nodiscard]] std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record,

@@ -49,7 +49,8 @@ void printRecord(const SvxStringRef& path, audioTags&& record) {
     file.type = amdTypeMP3;
     file.result = 0;
     file.record = std::move(record);
-    OutputBuffer out(nowhere);
+    FileSink sink(nowhere);
+    OutputBuffer out(sink);
     appendJson(out, file);
     appendText(out, file, false);
     out.flush();
