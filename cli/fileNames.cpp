@@ -60,11 +60,11 @@ std::optional<FileName> NameList::next() {
     std::size_t end = buffer_.find('\0', start_);
     bool isCut = false;
     while (end == std::string::npos && fill()) {
-        if (buffer_.size() > 2 * longest) {
+        end = buffer_.find('\0');
+        if (end == std::string::npos && buffer_.size() > 2 * longest) {
             buffer_.resize(longest);
             isCut = true;
         }
-        end = buffer_.find('\0');
     }
     if (error_ != 0) {
         return FileName{list_, hostErrorText(std::exchange(error_, 0))};

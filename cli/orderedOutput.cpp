@@ -27,6 +27,8 @@ void OrderedOutput::finish(std::uint64_t turn, std::string_view bytes, const std
     }
     if (turns_.empty()) {
         spillFile_.clear();
+    } else {
+        printHeld(turns_.front());
     }
     if (!isGathering_) {
         flush();

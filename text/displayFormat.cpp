@@ -19,23 +19,51 @@ namespace sonarin {
 
 namespace {
 
-/// Created once and used for the program's lifetime, by any thread: its const functions may be called at
-/// once.
+/// Created once and kept for the program's lifetime. Each thread formats with a copy.
 std::unique_ptr<const icu::NumberFormat> gOneFractionDigitFormatter;
 
-/// Files in a row share their sampling rates, and the formatter takes longer than all else that is done for a
-/// file's panel: each thread keeps its last numbers.
-struct FormattedNumber {
-    std::uint64_t bits = 0; ///< of the number, so that 0 and -0 differ
-    SvxStringRef text;
-};
-constexpr unsigned recentBits = 6;
-thread_local std::array<FormattedNumber, 1U << recentBits> recentNumbers;
+/// What one thread formats numbers with. Files in a row share their sampling rates, and the formatter takes
+/// longer than all else that is done for a file's panel: the last numbers are kept.
+class NumberTexts {
+public:
+    SvxStringRef of(double value) {
+        const auto bits = std::bit_cast<std::uint64_t>(value);
+        KnownNumber& known = recent_.at(recentIndex(bits));
+        if (!known.text || known.bits != bits) {
+            known = {bits, format(value)};
+        }
+        return known.text;
+    }
 
-/// Fibonacci hashing: sizes and rates differ in few bits of the middle.
-std::size_t recentIndex(std::uint64_t bits) {
-    return static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15U) >> (64U - recentBits));
-}
+private:
+    struct KnownNumber {
+        std::uint64_t bits = 0; ///< of the number, so that 0 and -0 differ
+        SvxStringRef text;
+    };
+    static constexpr unsigned recentBits = 6;
+
+    /// Fibonacci hashing: sizes and rates differ in few bits of the middle.
+    static std::size_t recentIndex(std::uint64_t bits) {
+        return static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15U) >> (64U - recentBits));
+    }
+
+    SvxStringRef format(double value) {
+        if (!formatter_ && gOneFractionDigitFormatter) {
+            formatter_.reset(gOneFractionDigitFormatter->clone());
+        }
+        if (!formatter_) {
+            return nullptr;
+        }
+        icu::UnicodeString text;
+        formatter_->format(value, text);
+        return SvxStringFromUTF16({text.getBuffer(), static_cast<std::size_t>(text.length())});
+    }
+
+    std::unique_ptr<const icu::NumberFormat> formatter_;
+    std::array<KnownNumber, 1U << recentBits> recent_;
+};
+
+thread_local NumberTexts numberTexts;
 
 struct SizeUnit {
     std::uint64_t lastKibibytes; ///< the largest count of whole kibibytes that is shown in this unit
@@ -54,7 +82,7 @@ constexpr std::array<SizeUnit, 4> sizeUnits = {{
 } // namespace
 
 void svxStringInitString() noexcept {
-    recentNumbers = {};
+    numberTexts = {};
     gOneFractionDigitFormatter.reset();
     try {
         UErrorCode status = U_ZERO_ERROR;
@@ -72,17 +100,7 @@ void svxStringInitString() noexcept {
 }
 
 SvxStringRef SvxMakeFloatingFractionString(double value) noexcept {
-    if (!gOneFractionDigitFormatter) {
-        return nullptr;
-    }
-    const auto bits = std::bit_cast<std::uint64_t>(value);
-    FormattedNumber& known = recentNumbers.at(recentIndex(bits));
-    if (!known.text || known.bits != bits) {
-        icu::UnicodeString text;
-        gOneFractionDigitFormatter->format(value, text);
-        known = {bits, SvxStringFromUTF16({text.getBuffer(), static_cast<std::size_t>(text.length())})};
-    }
-    return known.text;
+    return numberTexts.of(value);
 }
 
 SvxStringRef SvxStringMakeSizeString(std::uint64_t bytes) noexcept {
