@@ -3,8 +3,6 @@
 
 #include "engine/fileEngine.h"
 
-#include <array>
-
 namespace sonarin {
 
 bool ChunkWalk::readForm() noexcept {
@@ -17,8 +15,8 @@ bool ChunkWalk::next(Chunk* chunk) noexcept {
     if (cache_->eof <= chunkHeaderSize || position_ >= cache_->eof - chunkHeaderSize) {
         return false;
     }
-    std::array<std::uint8_t, chunkHeaderSize> header{};
-    hasFailed_ = rcReadFromCache(cache_, position_, header.size(), header.data()) != fileNoErr;
+    const ByteView header = rcBytesInCache(cache_, position_, chunkHeaderSize);
+    hasFailed_ = header.empty();
     if (hasFailed_) {
         return false;
     }

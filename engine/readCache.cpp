@@ -18,11 +18,18 @@ bool holds(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count)
            count <= cache.validLength - (position - cache.bufferPos);
 }
 
-/// How much the next filling asks for, going by whether it continues the last one.
+/// How much the next filling asks for. Reading goes on where it skips no more than was read at once; and a
+/// short way back, as from a text's last byte to its first, is no sign that it has come to another place.
 std::uint32_t nextFillSize(const rcCacheRec& cache, std::uint64_t position) {
     constexpr std::uint32_t firstFillSize = 4096;
     constexpr std::uint32_t growth = 4;
-    const std::uint32_t next = holds(cache, position, 0) ? growth * cache.fillSize : 0;
+    const std::uint64_t reach = std::uint64_t{cache.validLength} + cache.fillSize;
+    std::uint32_t next = 0;
+    if (position >= cache.bufferPos && position - cache.bufferPos <= reach) {
+        next = growth * cache.fillSize;
+    } else if (position < cache.bufferPos && cache.bufferPos - position <= cache.fillSize) {
+        next = cache.fillSize;
+    }
     return std::min(std::max(next, firstFillSize), cache.bufferSize);
 }
 

@@ -49,8 +49,9 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 [[nodiscard]] std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
                                            void* destination) noexcept;
 
-/// Refills the buffer from `position`: with 4 KiB, or with four times as much as the last time, up to the
-/// whole buffer, when `position` lies in or right behind what it holds.
+/// Refills the buffer from `position`: with four times as much as the last time, up to the whole buffer,
+/// where that lies in or not far behind what it holds; with as much where it lies a little before; else with
+/// 4 KiB.
 [[nodiscard]] std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept;
 
 /// The bytes at `position` as they lie in the buffer: at least `count` of them (refilled as above on a miss),

@@ -87,11 +87,11 @@ TEST_F(CacheTest, FillsMoreAsLongAsReadsGoOn) {
                              {4094 + 16384, 4, 65536},
                              {86013, 4, 65536},
                              {200000, 4, 4096},
-                             {204097, 4, 4096},
+                             {208193, 4, 4096},
                              {300000, 10000, 10000},
                              {310000, 1, 40000},
                              {100, 65536, 65536},
-                             {0, 4, 4096},
+                             {0, 4, 65536}, // a little back
                              {399990, 10, 10}}) {
         ASSERT_EQ(rcReadFromCache(&cache, step.position, step.count, read.data()), 0) << step.position;
         EXPECT_EQ(read.substr(0, step.count), content.substr(step.position, step.count)) << step.position;
