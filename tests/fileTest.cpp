@@ -74,7 +74,7 @@ TEST_F(CacheTest, RefillsAtTheMissAndBypassesForMore) {
 }
 
 TEST_F(CacheTest, FillsMoreAsLongAsReadsGoOn) {
-    const std::string content = countedBytes(400000);
+    const std::string content = countedBytes(1000000);
     ASSERT_EQ(open(content), 0);
     struct Step {
         std::uint64_t position;
@@ -86,13 +86,13 @@ TEST_F(CacheTest, FillsMoreAsLongAsReadsGoOn) {
                              {4094, 4, 16384},
                              {4094 + 16384, 4, 65536},
                              {86013, 4, 65536},
-                             {200000, 4, 4096},
-                             {208193, 4, 4096},
-                             {300000, 10000, 10000},
-                             {310000, 1, 40000},
+                             {400000, 4, 4096},
+                             {408193, 4, 4096},
+                             {600000, 10000, 10000},
+                             {610001, 1, 40000},
                              {100, 65536, 65536},
                              {0, 4, 65536}, // a little back
-                             {399990, 10, 10}}) {
+                             {999990, 10, 10}}) {
         ASSERT_EQ(rcReadFromCache(&cache, step.position, step.count, read.data()), 0) << step.position;
         EXPECT_EQ(read.substr(0, step.count), content.substr(step.position, step.count)) << step.position;
         EXPECT_EQ(cache.validLength, step.filled) << step.position;
