@@ -54,6 +54,12 @@ void acceptCopy(QDropEvent* event) {
     event->accept();
 }
 
+void closeByKey(QWidget* window) {
+    for (const QKeySequence& key : {QKeySequence(QKeySequence::Close), QKeySequence(Qt::Key_Escape)}) {
+        QObject::connect(new QShortcut(key, window), &QShortcut::activated, window, &QWidget::close);
+    }
+}
+
 } // namespace
 
 AppController::AppController(SelectionSources* sources, UserDefaults* defaults, QObject* parent)
@@ -99,25 +105,34 @@ void AppController::loadInterface() {
     lyricsButton = main.lyricsButton;
     twitterButton = main.twitterButton;
 
+    connectActions(myWindow);
+}
+
+void AppController::loadLyricsWindow() {
+    if (lyricsWindow != nullptr) {
+        return;
+    }
     lyricsWindowOwner_ = std::make_unique<QWidget>();
     lyricsWindow = lyricsWindowOwner_.get();
     Ui::LyricsWindow lyrics;
     lyrics.setupUi(lyricsWindow);
     lyricsText = lyrics.lyricsText;
     lyricsText->document()->setDocumentMargin(12);
+    closeByKey(lyricsWindow);
+}
 
+void AppController::loadHelpWindow() {
+    if (helpWindow != nullptr) {
+        return;
+    }
     helpWindowOwner_ = std::make_unique<QWidget>();
     helpWindow = helpWindowOwner_.get();
     Ui::HelpWindow help;
     help.setupUi(helpWindow);
     helpWebView = help.helpWebView;
-
-    connectActions(myWindow);
-    for (QWidget* window : {lyricsWindow, helpWindow}) {
-        for (const QKeySequence& key : {QKeySequence(QKeySequence::Close), QKeySequence(Qt::Key_Escape)}) {
-            connect(new QShortcut(key, window), &QShortcut::activated, window, &QWidget::close);
-        }
-    }
+    connect(helpWebView, &QTextBrowser::anchorClicked, this,
+            [](const QUrl& link) { openUrl(link.toEncoded().toStdString()); });
+    closeByKey(helpWindow);
 }
 
 /// A button or command with the property "action" calls the method of that name; a menu has lists of titles
@@ -185,8 +200,6 @@ void AppController::awakeFromNib() {
     following_.start();
 
     connect(editTagsPopup, &PullDownButton::aboutToPullDown, this, &AppController::addInstalledEditors);
-    connect(helpWebView, &QTextBrowser::anchorClicked, this,
-            [](const QUrl& link) { openUrl(link.toEncoded().toStdString()); });
     myWindow->restoreGeometry(defaults_->value(windowGeometry).toByteArray());
     myWindow->installEventFilter(this);
     syncCheckbox->setFocus();

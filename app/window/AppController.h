@@ -140,6 +140,7 @@ public:
     PullDownButton* editTagsPopup = nullptr;
     QPushButton* lyricsButton = nullptr;
     QPushButton* twitterButton = nullptr;
+    // Those of the other windows are null until their window is shown for the first time.
     QWidget* lyricsWindow = nullptr;
     QPlainTextEdit* lyricsText = nullptr;
     QWidget* helpWindow = nullptr;
@@ -161,6 +162,8 @@ protected:
 
 private:
     void loadInterface();
+    void loadLyricsWindow();
+    void loadHelpWindow();
     void connectActions(QObject* interface);
     void callAction(const QByteArray& method);
     void awakeFromNib();

@@ -105,6 +105,7 @@ void AppController::addInstalledEditors() {
 }
 
 void AppController::showLyrics() {
+    loadLyricsWindow();
     bringToFront(lyricsWindow);
     showLyricsText(panelLyrics(currentItem));
 }
@@ -116,6 +117,7 @@ void AppController::sendToTwitter() {
 }
 
 void AppController::showHelp() {
+    loadHelpWindow();
     if (helpWindow->isVisible() && !helpWindow->isMinimized()) {
         return;
     }

@@ -139,6 +139,9 @@ void AppController::showCover() {
 /// Far more than any song has is cut, and a line that is far too long: laying them out would hold the window
 /// up.
 void AppController::showLyricsText(const SvxStringRef& lyrics) {
+    if (lyricsText == nullptr) {
+        return; // the window takes them when it is made
+    }
     constexpr SvxIndex mostShown = 200000;
     QString shown = cocoaUtils::stringFromText(lyrics, mostShown);
     shown.truncate(lengthToShow(shown));

@@ -82,6 +82,8 @@ TEST_F(PanelWindow, FillsEveryField) {
     EXPECT_EQ(c.myWindow->windowTitle(), "Sonarin - sample.mp3");
     EXPECT_TRUE(c.fileNameField->toolTip().contains(pathOf(path)));
     EXPECT_TRUE(c.lyricsButton->isEnabled());
+    EXPECT_EQ(c.lyricsWindow, nullptr); // not made before somebody wants it
+    c.showLyrics();
     EXPECT_TRUE(c.lyricsText->toPlainText().startsWith("One second,\n"));
     EXPECT_TRUE(c.twitterButton->isEnabled());
     EXPECT_TRUE(c.fileIconField->showsImage());
@@ -110,6 +112,7 @@ TEST_F(PanelWindow, ReadsAgainOnlyAfterAnotherPath) {
 }
 
 TEST_F(PanelWindow, ClearsTheFactsOfWhatItCannotRead) {
+    controller->showLyrics();
     std::filesystem::create_directory(folder.path("folder.mp3"));
     ASSERT_EQ(mkfifo(folder.path("fifo.mp3").c_str(), 0600), 0);
     const std::string whole = songFile("kept", "Ann");
@@ -182,6 +185,7 @@ TEST_F(PanelWindow, TakesNothingInATextForMarkUp) {
 }
 
 TEST_F(PanelWindow, CutsMegabytesOfLyrics) {
+    controller->showLyrics();
     std::string lines;
     while (lines.size() < 10000000) {
         lines += "la la la\n";
