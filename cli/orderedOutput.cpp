@@ -100,6 +100,7 @@ void OrderedOutput::print(Turn& turn, std::string_view bytes) {
     if (!bytes.empty()) {
         beginPrinting(turn);
         out_.append(bytes);
+        errorNumber_ = out_.errorNumber();
     }
 }
 
@@ -131,8 +132,8 @@ void OrderedOutput::hideProgress() {
 }
 
 void OrderedOutput::flush() {
-    if (!out_.isEmpty()) {
-        out_.flush();
+    if (!out_.isEmpty() && !out_.flush()) {
+        errorNumber_ = out_.errorNumber();
     }
 }
 
@@ -165,11 +166,6 @@ void OrderedOutput::tryEnd() {
         flush();
         hideProgress();
     }
-}
-
-int OrderedOutput::errorNumber() {
-    const std::lock_guard lock(mutex_);
-    return out_.errorNumber();
 }
 
 std::uint64_t OrderedOutput::finished() {

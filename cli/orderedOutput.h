@@ -4,6 +4,7 @@
 #include "cli/outputBuffer.h"
 #include "cli/spillFile.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -41,7 +42,7 @@ public:
     void tryEnd();
 
     /// Not 0 as soon as the output can take no more: the host's number of the error.
-    [[nodiscard]] int errorNumber();
+    [[nodiscard]] int errorNumber() const noexcept { return errorNumber_; }
     /// How many turns were finished, in order or not.
     [[nodiscard]] std::uint64_t finished();
 
@@ -67,6 +68,7 @@ private:
     void hideProgress();
     void flush();
 
+    std::atomic<int> errorNumber_ = 0;
     std::mutex mutex_; ///< guards everything below
     std::condition_variable moved_;
     OutputBuffer out_;
