@@ -10,6 +10,8 @@ namespace sonarin {
 
 namespace {
 
+constexpr std::string_view valuePlace = "%@";
+
 struct FindRule {
     FindKey key;
     SvxStringRef audioTags::*value; ///< null for the year, the only number
@@ -24,7 +26,7 @@ constexpr std::array<FindRule, 6> findRules = {{
      "shelvix://find/audio/&album=%@"},
     {FindKey::artist, &audioTags::mp3ArtistString, "Find all songs of artist \"%@\" in Shelvix",
      "shelvix://find/audio/&artist=%@"},
-    {FindKey::year, nullptr, "Find all songs of %li in Shelvix", "shelvix://find/audio/&year=%li"},
+    {FindKey::year, nullptr, "Find all songs of %@ in Shelvix", "shelvix://find/audio/&year=%li"},
     {FindKey::genre, &audioTags::mp3Genre2String, "Find all songs of genre \"%@\" in Shelvix",
      "shelvix://find/audio/&genre=%@"},
     {FindKey::composer, &audioTags::mp3ComposerString, "Find all songs of composer \"%@\" in Shelvix",
@@ -48,12 +50,17 @@ std::vector<FindKey> findKeys(const audioTags& record) {
     return keys;
 }
 
+FindEntryParts findEntryParts(FindKey key, const audioTags& record) noexcept {
+    const FindRule& rule = findRules[static_cast<std::size_t>(key)];
+    const std::size_t place = rule.titleFormat.find(valuePlace);
+    return {rule.titleFormat.substr(0, place),
+            rule.value == nullptr ? SvxStringCreateWithFormat("%li", {record.mp3Year}) : record.*rule.value,
+            rule.titleFormat.substr(place + valuePlace.size())};
+}
+
 SvxStringRef findEntryTitle(FindKey key, const audioTags& record) noexcept {
     const FindRule& rule = findRules[static_cast<std::size_t>(key)];
-    if (rule.value == nullptr) {
-        return SvxStringCreateWithFormat(rule.titleFormat, {record.mp3Year});
-    }
-    return SvxStringCreateWithFormat(rule.titleFormat, {record.*rule.value});
+    return SvxStringCreateWithFormat(rule.titleFormat, {findEntryParts(key, record).value});
 }
 
 SvxStringRef findUrl(FindKey key, const audioTags& record) noexcept {

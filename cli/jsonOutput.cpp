@@ -163,6 +163,19 @@ public:
         value ? string(*value) : out_.append("null");
     }
 
+    void element(const FindEntryParts& parts) {
+        if (!std::exchange(first_, false)) {
+            out_.append(", ");
+        }
+        out_.append('"');
+        appendUnits(parts.before);
+        if (parts.value) {
+            parts.value->visit([this](auto units) { appendUnits(units); });
+        }
+        appendUnits(parts.after);
+        out_.append('"');
+    }
+
 private:
     void begin(char bracket) {
         out_.append(bracket);
@@ -181,13 +194,16 @@ private:
     }
 
     void string(const SvxString& value) {
-        value.visit([this](auto units) {
-            out_.append('"');
-            while (!units.empty()) {
-                units.remove_prefix(piece(units));
-            }
-            out_.append('"');
-        });
+        out_.append('"');
+        value.visit([this](auto units) { appendUnits(units); });
+        out_.append('"');
+    }
+
+    template <class Units>
+    void appendUnits(Units units) {
+        while (!units.empty()) {
+            units.remove_prefix(piece(units));
+        }
     }
 
     /// Appends as much of a text as the buffer is sure to have room for; answers how many units that were.
@@ -280,7 +296,7 @@ void appendPanel(JsonWriter& json, const ShownFile& file) {
     json.endArray();
     json.beginArray<"findInShelvixPopup">();
     for (const FindKey key : findKeys(file.record)) {
-        json.element(findEntryTitle(key, file.record));
+        json.element(findEntryParts(key, file.record));
     }
     json.endArray();
     json.endObject();

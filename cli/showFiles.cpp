@@ -157,6 +157,10 @@ private:
         std::unique_lock lock(tenderMutex_);
         while (!tenderEnds_.wait_for(lock, 100ms, [this] { return isDone_; })) {
             output_.tend(progress());
+            if (output_.errorNumber() == EPIPE) {
+                output_.tryEnd();
+                endByPipeSignal(); // whoever waits for the next name would notice much later
+            }
             if (notedEndSignal() != 0) {
                 std::this_thread::sleep_for(100ms); // time to write a line to its end
                 output_.tryEnd();
