@@ -83,7 +83,7 @@ TEST_F(PanelWindow, FillsEveryField) {
     EXPECT_TRUE(c.fileNameField->toolTip().contains(pathOf(path)));
     EXPECT_TRUE(c.lyricsButton->isEnabled());
     EXPECT_EQ(c.lyricsWindow, nullptr); // not made before somebody wants it
-    c.showLyrics();
+    controller->showLyrics();
     EXPECT_TRUE(c.lyricsText->toPlainText().startsWith("One second,\n"));
     EXPECT_TRUE(c.twitterButton->isEnabled());
     EXPECT_TRUE(c.fileIconField->showsImage());
