@@ -53,10 +53,10 @@ std::string findProblem(const CommandLine& call, bool json, bool cover) {
     if (call.force && !cover) {
         return "--force goes with --cover";
     }
-    if (!call.nameList.empty() && !call.files.empty()) {
+    if (call.nameList && !call.files.empty()) {
         return "--files0-from takes no files besides";
     }
-    if (call.files.empty() && call.nameList.empty()) {
+    if (call.files.empty() && !call.nameList) {
         return "no file is named";
     }
     const bool isOneFile = call.files.size() == 1 && !call.recursive && call.jobs == 0;
@@ -130,9 +130,8 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
 }
 
 const char* usageText() noexcept {
-    return "Usage: sonarin-info FILE...\n"
-           "       sonarin-info --json FILE...\n"
-           "       sonarin-info [--json] --files0-from LIST\n"
+    return "Usage: sonarin-info [--json] [--recursive] [--jobs N] FILE...\n"
+           "       sonarin-info [--json] [--recursive] [--jobs N] --files0-from LIST\n"
            "       sonarin-info --cover OUT [--force] FILE\n"
            "\n"
            "Shows the technical facts and tags of audio files.\n"

@@ -13,10 +13,10 @@ struct CommandLine {
     Action action = Action::showText;
     std::string coverTarget; ///< for writeCover
     bool force = false;
-    std::vector<std::string> files; ///< paths as bytes
-    std::string nameList;   ///< the file that lists further ones, "-" for standard input; empty for none
-    bool recursive = false; ///< take the files in folders
-    unsigned jobs = 0;      ///< files read at once; 0 for as many as there is reason to
+    std::vector<std::string> files;      ///< paths as bytes
+    std::optional<std::string> nameList; ///< the file that lists them instead, "-" for standard input
+    bool recursive = false;              ///< take the files in folders
+    unsigned jobs = 0;                   ///< files read at once; 0 for as many as there is reason to
 };
 
 /// The options and files of a call; nothing for wrong usage, in which case `*problem` says what is wrong.

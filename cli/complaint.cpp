@@ -6,7 +6,9 @@
 #include "engine/fileEngine.h"
 #include "text/stringEngine.h"
 
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace sonarin {
 
@@ -45,6 +47,10 @@ std::string complaintAbout(const SvxStringRef& path, std::string_view message) {
 
 std::string complaintOf(std::string_view message) {
     return line(nullptr, message);
+}
+
+std::string hostErrorText(int error) {
+    return std::generic_category().message(error);
 }
 
 void complain(std::string_view complaint) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/coverFile.h"
 
+#include "cli/complaint.h"
 #include "cli/outputBuffer.h"
 #include "engine/fileEngine.h"
 #include "platform/host/fileDescriptor.h"
@@ -8,16 +9,11 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace sonarin {
 
 namespace {
-
-std::string hostErrorText(int error) {
-    return std::generic_category().message(error);
-}
 
 bool isSameFile(const std::string& one, const std::string& other) {
     struct stat first {};

@@ -51,14 +51,15 @@ int notedEndSignal() noexcept {
     return noted;
 }
 
-void holdBackPipeSignal() {
+void holdBackWriteSignals() {
     wasIgnoringPipes = isIgnored(SIGPIPE);
     setAction(SIGPIPE, SIG_IGN, 0); // NOLINT(*-cstyle-cast)
+    setAction(SIGXFSZ, SIG_IGN, 0); // NOLINT(*-cstyle-cast)
 }
 
 void endBySignal(int signal) {
     setAction(signal, SIG_DFL, 0); // NOLINT(*-cstyle-cast)
-    raise(signal);
+    (void)raise(signal);
     std::abort(); // such a signal does not let a program live on
 }
 

@@ -11,8 +11,9 @@ void noteEndSignals();
 /// The signal that was noted; 0 for none.
 [[nodiscard]] int notedEndSignal() noexcept;
 
-/// Lets a write to a pipe that nobody reads fail with EPIPE.
-void holdBackPipeSignal();
+/// Lets a write to a pipe that nobody reads fail with EPIPE, and one beyond the largest size of files with
+/// EFBIG.
+void holdBackWriteSignals();
 
 /// Ends the program by that signal, as its sender expects.
 [[noreturn]] void endBySignal(int signal);

@@ -1,20 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "cli/failureCause.h"
 
+#include "cli/complaint.h"
 #include "engine/fileEngine.h"
+#include "platform/host/fileDescriptor.h"
 
 #include <cerrno>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace sonarin {
 
 namespace {
-
-std::string hostErrorText(int error) {
-    return std::generic_category().message(error);
-}
 
 /// What a reader of that type fails without.
 const char* missingPart(std::int32_t type) {
@@ -51,7 +48,7 @@ std::string failureCause(const ShownFile& file) {
     if (file.type == amdTypeNone) {
         return "Not an audio file, going by its name and type codes";
     }
-    if (access(ref.path.c_str(), R_OK) != 0) {
+    if (!openRegularFile(ref.path)) {
         return hostErrorText(errno);
     }
     if (status.st_size == 0) {

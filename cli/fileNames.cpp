@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/fileNames.h"
 
+#include "cli/complaint.h"
 #include "engine/audioMetaData.h"
 #include "engine/fileEngine.h"
 
@@ -9,19 +10,15 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <string_view>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
 namespace sonarin {
 
 namespace {
-
-std::string hostErrorText(int error) {
-    return std::generic_category().message(error);
-}
 
 bool isAudioFile(const std::string& path) {
     const SvxStringRef text = feMakePathText(path);
@@ -38,10 +35,15 @@ unsigned char kindOf(const std::string& path, bool followLink) {
     return static_cast<unsigned char>(IFTODT(status.st_mode));
 }
 
+/// For who gets EAGAIN, since the writer set its end of the pipe not to block; false for any other error.
+bool waitForMore(int descriptor) {
+    pollfd waiting{descriptor, POLLIN, 0};
+    return (errno == EAGAIN || errno == EWOULDBLOCK) && poll(&waiting, 1, -1) > 0;
+}
+
 } // namespace
 
-// --- names in a list
-// --------------------------------------------------------------------------------------------
+// --- names in a list --------------------------------------------------------------------------------
 
 NameList::NameList(std::string list) : list_(std::move(list)) {
     const bool isStandardInput = list_ == "-";
@@ -75,6 +77,7 @@ std::optional<FileName> NameList::next() {
     end = std::min(end, buffer_.size());
     FileName name{buffer_.substr(start_, end - start_), {}};
     start_ = std::min(end + 1, buffer_.size());
+    taken_ += name.path.size() + 1;
     ++count_;
     if (name.path.empty()) {
         return FileName{list_, "Name " + std::to_string(count_) + " is empty"};
@@ -97,10 +100,9 @@ bool NameList::fill() {
     ssize_t got = 0;
     do {
         got = read(file_.get(), buffer_.data() + held, piece);
-    } while (got < 0 && errno == EINTR);
+    } while (got < 0 && (errno == EINTR || waitForMore(file_.get())));
     error_ = got < 0 ? errno : 0;
     buffer_.resize(held + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-    read_ += buffer_.size() - held;
     if (got <= 0) {
         file_ = FileDescriptor();
     }
@@ -108,11 +110,11 @@ bool NameList::fill() {
 }
 
 std::optional<double> NameList::share() const {
-    return size_ == 0 ? std::nullopt : std::optional(static_cast<double>(read_) / static_cast<double>(size_));
+    const auto taken = static_cast<double>(taken_);
+    return size_ == 0 ? std::nullopt : std::optional(std::min(taken / static_cast<double>(size_), 1.0));
 }
 
-// --- files in folders
-// -------------------------------------------------------------------------------------------
+// --- files in folders -------------------------------------------------------------------------------
 
 bool FolderWalk::Listing::holds(const char* name) const {
     const auto found =
@@ -122,16 +124,16 @@ bool FolderWalk::Listing::holds(const char* name) const {
     return found != entries.end() && std::strcmp(this->name(*found), name) == 0;
 }
 
-void FolderWalk::begin(const std::string& folder) {
-    enter(folder);
-}
-
 void FolderWalk::enter(const std::string& folder) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(folder.c_str()), closedir);
+    // A folder in a folder is no link: that it became one since it was listed changes nothing.
+    const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | (open_.empty() ? 0 : O_NOFOLLOW);
+    FileDescriptor file(open(folder.c_str(), flags)); // NOLINT(*-vararg)
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(file ? fdopendir(file.get()) : nullptr, closedir);
     if (!stream) {
         problem_ = FileName{folder, hostErrorText(errno)};
         return;
     }
+    (void)file.release(); // the stream closes it
     Listing listing;
     listing.folder = folder.ends_with('/') ? folder : folder + '/';
     errno = 0;
@@ -161,14 +163,14 @@ std::optional<FileName> FolderWalk::next() {
         }
         const Entry& entry = listing.entries[listing.at++];
         const char* name = listing.name(entry);
-        if (std::string_view(name).starts_with("._") &&
-            listing.holds(name + 2)) { // NOLINT(*-pointer-arithmetic)
-            continue;
-        }
         std::string path = listing.folder + name;
         unsigned char kind = entry.kind == DT_UNKNOWN ? kindOf(path, false) : entry.kind;
         if (kind == DT_DIR) {
             enter(path);
+            continue;
+        }
+        if (std::string_view(name).starts_with("._") &&
+            listing.holds(name + 2)) { // NOLINT(*-pointer-arithmetic)
             continue;
         }
         // A link that leads nowhere is told of, as a missing file is.
@@ -180,12 +182,11 @@ std::optional<FileName> FolderWalk::next() {
     return std::exchange(problem_, std::nullopt);
 }
 
-// --- both, and the names of a call
-// ------------------------------------------------------------------------------
+// --- both, and the names of a call ------------------------------------------------------------------
 
 FileNames::FileNames(const CommandLine& call) : call_(call) {
-    if (!call.nameList.empty()) {
-        list_ = std::make_unique<NameList>(call.nameList);
+    if (call.nameList) {
+        list_ = std::make_unique<NameList>(*call.nameList);
     }
 }
 
@@ -205,7 +206,7 @@ std::optional<FileName> FileNames::next() {
         if (!named || !call_.recursive || !named->problem.empty() || kindOf(named->path, true) != DT_DIR) {
             return named;
         }
-        walk_.begin(named->path);
+        walk_.enter(named->path);
     }
 }
 

@@ -29,7 +29,7 @@ public:
     explicit NameList(std::string list);
 
     [[nodiscard]] std::optional<FileName> next();
-    /// Which part of the list has been read, 0 to 1, where its size is known; any thread may ask.
+    /// Which part of the list was handed out, 0 to 1, where its size is known; any thread may ask.
     [[nodiscard]] std::optional<double> share() const;
 
 private:
@@ -40,7 +40,7 @@ private:
     std::string buffer_;
     std::size_t start_ = 0; ///< of what the buffer still holds
     std::uint64_t size_ = 0;
-    std::atomic<std::uint64_t> read_ = 0;
+    std::atomic<std::uint64_t> taken_ = 0; ///< bytes, up to the end of the last name
     std::uint64_t count_ = 0;
     int error_ = 0; ///< of opening or reading, until it is told
 };
@@ -49,7 +49,8 @@ private:
 /// are not followed, and "._name" beside "name" is no file of its own (AppleDouble, RFC 1740).
 class FolderWalk {
 public:
-    void begin(const std::string& folder);
+    /// Begins with that folder, before going on with those that were entered before it.
+    void enter(const std::string& folder);
     /// Nothing at the end. A folder that cannot be read is told and passed over.
     [[nodiscard]] std::optional<FileName> next();
 
@@ -67,7 +68,6 @@ private:
         [[nodiscard]] const char* name(const Entry& entry) const { return names.c_str() + entry.start; }
         [[nodiscard]] bool holds(const char* name) const;
     };
-    void enter(const std::string& folder);
 
     std::vector<Listing> open_; ///< from the outermost folder to the innermost
     std::optional<FileName> problem_;

@@ -16,13 +16,18 @@ void OrderedOutput::append(std::uint64_t turn, std::string_view bytes) {
 void OrderedOutput::finish(std::uint64_t turn, std::string_view bytes, const std::string& complaint) {
     std::unique_lock lock(mutex_);
     take(lock, turn, bytes);
+    if (complaints_ + complaint.size() > mostHeld) {
+        wait(lock, turn);
+    }
     ++finished_;
     Turn& own = turnOf(turn);
     own.complaint = complaint;
+    complaints_ += complaint.size();
     own.isFinished = true;
     for (; !turns_.empty() && turns_.front().isFinished; ++next_) {
         printHeld(turns_.front());
         complain(turns_.front().complaint);
+        complaints_ -= turns_.front().complaint.size();
         turns_.pop_front();
     }
     if (turns_.empty()) {
@@ -41,7 +46,7 @@ void OrderedOutput::finish(std::uint64_t turn, std::string_view bytes, const std
 /// Until it is the turn of who waits. Who is next never waits, so that the others come to an end as well.
 void OrderedOutput::wait(std::unique_lock<std::mutex>& lock, std::uint64_t turn) {
     ++waiting_;
-    moved_.wait(lock, [&] { return turn == next_ || out_.errorNumber() != 0; });
+    moved_.wait(lock, [&] { return turn == next_ || errorNumber_ != 0; });
     --waiting_;
 }
 
@@ -57,7 +62,12 @@ void OrderedOutput::take(std::unique_lock<std::mutex>& lock, std::uint64_t turn,
     if (turn != next_ && hold(turn, bytes)) {
         return;
     }
-    wait(lock, turn);
+    if (turn != next_) {
+        wait(lock, turn);
+    }
+    if (turn != next_) {
+        return; // there is nothing to wait for any more
+    }
     Turn& own = turnOf(turn);
     printHeld(own);
     print(own, bytes);
@@ -89,7 +99,9 @@ bool OrderedOutput::hold(std::uint64_t turn, std::string_view bytes) {
 void OrderedOutput::printHeld(Turn& turn) {
     for (const SpillFile::Place& place : std::exchange(turn.spilled, {})) {
         beginPrinting(turn);
-        spillFile_.copyTo(out_, place);
+        if (const int error = spillFile_.copyTo(out_, place); error != 0) {
+            errorNumber_ = error;
+        }
     }
     print(turn, turn.bytes);
     held_ -= turn.bytes.size();
@@ -100,7 +112,7 @@ void OrderedOutput::print(Turn& turn, std::string_view bytes) {
     if (!bytes.empty()) {
         beginPrinting(turn);
         out_.append(bytes);
-        errorNumber_ = out_.errorNumber();
+        noteError();
     }
 }
 
@@ -132,8 +144,9 @@ void OrderedOutput::hideProgress() {
 }
 
 void OrderedOutput::flush() {
-    if (!out_.isEmpty() && !out_.flush()) {
-        errorNumber_ = out_.errorNumber();
+    if (!out_.isEmpty()) {
+        out_.flush();
+        noteError();
     }
 }
 
@@ -142,13 +155,27 @@ void OrderedOutput::gather(bool isGathering) {
     isGathering_ = isGathering;
 }
 
+void OrderedOutput::noteError() {
+    if (out_.errorNumber() != 0) {
+        errorNumber_ = out_.errorNumber();
+    }
+}
+
+void OrderedOutput::giveUp(int errorNumber) {
+    const std::lock_guard lock(mutex_);
+    errorNumber_ = errorNumber;
+    moved_.notify_all();
+}
+
 void OrderedOutput::tend(std::string_view progress) {
     const std::unique_lock lock(mutex_, std::try_to_lock);
     if (!lock) {
         return;
     }
     flush();
-    if (!progress.empty()) {
+    // A row of output that is not at its end would be erased together with the progress.
+    const bool isWithinTurn = sharesTerminal_ && !turns_.empty() && turns_.front().hasBegun;
+    if (!progress.empty() && !isWithinTurn) {
         hideProgress();
         (void)err_.write(progress);
         showsProgress_ = true;
@@ -166,11 +193,6 @@ void OrderedOutput::tryEnd() {
         flush();
         hideProgress();
     }
-}
-
-std::uint64_t OrderedOutput::finished() {
-    const std::lock_guard lock(mutex_);
-    return finished_;
 }
 
 } // namespace sonarin

@@ -18,7 +18,7 @@ namespace sonarin {
 
 /// Puts what several threads print into one order: each prints for a turn, and turns come out by their
 /// numbers, all of which must be taken. What comes too early is held: a few MiB in memory, more in a
-/// temporary file. Only who is a hundred thousand turns ahead, or finds no room on the disk, waits.
+/// temporary file. Only who is twenty thousand turns ahead, or finds no room on the disk, waits.
 class OrderedOutput {
 public:
     /// Both sinks must outlive this. With `blankLineBetween`, a blank line stands between the outputs of two
@@ -43,8 +43,10 @@ public:
 
     /// Not 0 as soon as the output can take no more: the host's number of the error.
     [[nodiscard]] int errorNumber() const noexcept { return errorNumber_; }
+    /// Makes it so, for everybody.
+    void giveUp(int errorNumber);
     /// How many turns were finished, in order or not.
-    [[nodiscard]] std::uint64_t finished();
+    [[nodiscard]] std::uint64_t finished() const noexcept { return finished_; }
 
 private:
     struct Turn {
@@ -55,7 +57,7 @@ private:
         bool hasBegun = false; ///< some of it was printed
     };
     static constexpr std::size_t mostHeld = std::size_t{4} << 20U;
-    static constexpr std::uint64_t mostAhead = 100000;
+    static constexpr std::uint64_t mostAhead = 20000;
 
     void wait(std::unique_lock<std::mutex>& lock, std::uint64_t turn);
     Turn& turnOf(std::uint64_t turn);
@@ -67,8 +69,10 @@ private:
     void complain(const std::string& complaint);
     void hideProgress();
     void flush();
+    void noteError();
 
     std::atomic<int> errorNumber_ = 0;
+    std::atomic<std::uint64_t> finished_ = 0;
     std::mutex mutex_; ///< guards everything below
     std::condition_variable moved_;
     OutputBuffer out_;
@@ -80,9 +84,9 @@ private:
     bool showsProgress_ = false;
     std::deque<Turn> turns_; ///< from next_ on, those that have said something
     std::uint64_t next_ = 0;
-    std::uint64_t finished_ = 0;
     SpillFile spillFile_;
-    std::size_t held_ = 0; ///< bytes in turns_
+    std::size_t held_ = 0;       ///< bytes in turns_, but for
+    std::size_t complaints_ = 0; ///< those of complaints
     std::size_t waiting_ = 0;
 };
 

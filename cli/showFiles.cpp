@@ -11,14 +11,17 @@
 #include "cli/textOutput.h"
 #include "engine/fileEngine.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string_view>
+#include <sys/resource.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -31,12 +34,16 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-bool wantsColour() {
+/// Whether the descriptor is a terminal that knows escape sequences.
+bool isSmartTerminal(int descriptor) {
     // There is no second thread yet.
     const char* terminal = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe)
-    const bool plain = terminal == nullptr || std::string_view(terminal) == "dumb" ||
-                       std::getenv("NO_COLOR") != nullptr; // NOLINT(concurrency-mt-unsafe)
-    return !plain && isatty(STDOUT_FILENO) == 1;
+    return terminal != nullptr && std::string_view(terminal) != "dumb" && isatty(descriptor) == 1;
+}
+
+bool wantsColour() {
+    const bool isUnwanted = std::getenv("NO_COLOR") != nullptr; // NOLINT(concurrency-mt-unsafe)
+    return !isUnwanted && isSmartTerminal(STDOUT_FILENO);
 }
 
 /// The printing of one call's files by one thread or several: each takes the next name as soon as it is done
@@ -48,18 +55,19 @@ public:
           output_(out_, err_, !isJson(), isatty(STDOUT_FILENO) == 1 && showsProgress_),
           inColour_(!isJson() && wantsColour()) {}
 
+    Showing(const Showing&) = delete;
+    Showing& operator=(const Showing&) = delete;
+    ~Showing() { end(); }
+
     int run() {
-        holdBackPipeSignal();
+        holdBackWriteSignals();
         if (call_.jobs > 1) {
             getHelp();
         } else if (showsProgress_) {
-            startTending();
+            tendAlone();
         }
         work(true);
-        for (std::thread& helper : helpers_) {
-            helper.join();
-        }
-        stopTending();
+        end();
         output_.end();
         if (notedEndSignal() != 0) {
             endBySignal(notedEndSignal());
@@ -76,6 +84,13 @@ public:
     }
 
 private:
+    void end() {
+        for (std::thread& helper : std::exchange(helpers_, {})) {
+            helper.join();
+        }
+        stopTending();
+    }
+
     [[nodiscard]] bool isJson() const { return call_.action == CommandLine::Action::showJson; }
 
     std::optional<FileName> nextName(std::uint64_t* turn) {
@@ -89,7 +104,7 @@ private:
     }
 
     /// Reads one file after the other until there is none left.
-    void work(bool maySeekHelp) {
+    void work(bool maySeekHelp) try {
         TurnSink sink(output_);
         OutputBuffer out(sink);
         std::uint64_t turn = 0;
@@ -100,12 +115,12 @@ private:
             if (!complaint.empty()) {
                 allRead_ = false;
             }
-            if (maySeekHelp && turn == fewFiles && call_.jobs != 1) {
+            if (maySeekHelp && turn == fewFiles) {
                 getHelp();
-            } else if (maySeekHelp && turn == fewFiles) {
-                startTending();
             }
         }
+    } catch (const std::bad_alloc&) {
+        output_.giveUp(ENOMEM);
     }
 
     /// Prints one file's facts; answers the complaint about it, if there is one.
@@ -122,23 +137,39 @@ private:
         return file.isRead() ? std::string() : complaintAbout(file.path, failureCause(file));
     }
 
-    // --- when there are many files
-    // --------------------------------------------------------------------------
+    // --- when there are many files ------------------------------------------------------------------
 
-    /// Starts as many threads as were asked for, or one for each of the machine's cores; this one is the
-    /// first.
+    /// How many files there is reason to read at once: each takes a descriptor.
+    [[nodiscard]] unsigned threadsToUse() const {
+        constexpr rlim_t otherDescriptors = 16;
+        rlimit open{};
+        getrlimit(RLIMIT_NOFILE, &open);
+        const rlim_t most = open.rlim_cur > otherDescriptors ? open.rlim_cur - otherDescriptors : 1;
+        const std::size_t files = call_.nameList || call_.recursive ? call_.jobs : call_.files.size();
+        const std::size_t wanted =
+            call_.jobs != 0 ? std::min<std::size_t>(call_.jobs, files) : std::thread::hardware_concurrency();
+        return static_cast<unsigned>(std::min<rlim_t>(wanted, most));
+    }
+
+    /// Starts what looks after the output, and more threads where that was asked for or left open; this one
+    /// is the first.
     void getHelp() {
-        if (!helpers_.empty()) {
-            return;
-        }
-        startTending();
-        const unsigned wanted = call_.jobs != 0 ? call_.jobs : std::thread::hardware_concurrency();
         try {
-            for (unsigned i = 1; i < wanted; ++i) {
+            startTending();
+            const unsigned wanted = call_.jobs == 1 ? 1 : threadsToUse();
+            while (helpers_.size() + 1 < wanted) {
                 helpers_.emplace_back([this] { work(false); });
             }
         } catch (const std::system_error&) {
             // The system has no more threads: those that there are do it.
+        }
+    }
+
+    void tendAlone() {
+        try {
+            startTending();
+        } catch (const std::system_error&) {
+            // No thread to spare: nobody sees how far it is.
         }
     }
 
@@ -147,25 +178,25 @@ private:
         if (tender_.joinable()) {
             return;
         }
+        tender_ = std::thread([this] { tend(); });
         noteEndSignals();
         output_.gather(isatty(STDOUT_FILENO) != 1);
-        tender_ = std::thread([this] { tend(); });
     }
 
     void tend() {
         using namespace std::chrono_literals;
         std::unique_lock lock(tenderMutex_);
         while (!tenderEnds_.wait_for(lock, 100ms, [this] { return isDone_; })) {
-            output_.tend(progress());
-            if (output_.errorNumber() == EPIPE) {
-                output_.tryEnd();
-                endByPipeSignal(); // whoever waits for the next name would notice much later
-            }
             if (notedEndSignal() != 0) {
                 std::this_thread::sleep_for(100ms); // time to write a line to its end
                 output_.tryEnd();
                 endBySignal(notedEndSignal());
             }
+            if (output_.errorNumber() == EPIPE) {
+                output_.tryEnd();
+                endByPipeSignal(); // whoever waits for the next name would notice much later
+            }
+            output_.tend(progress());
         }
     }
 
@@ -181,7 +212,7 @@ private:
     }
 
     /// "12000 files, 5300 a second, 42%"; nothing while the work may soon be done.
-    [[nodiscard]] std::string progress() {
+    [[nodiscard]] std::string progress() const {
         const std::chrono::duration<double> elapsed = Clock::now() - start_;
         if (!showsProgress_ || elapsed.count() < 1.0) {
             return {};
@@ -195,11 +226,11 @@ private:
         return line;
     }
 
-    /// So many are read in less time than threads take to start.
+    /// They take half a millisecond, about as long as two threads take to start and end.
     static constexpr std::uint64_t fewFiles = 64;
 
     const CommandLine& call_;
-    const bool showsProgress_ = isatty(STDERR_FILENO) == 1;
+    const bool showsProgress_ = isSmartTerminal(STDERR_FILENO);
     const Clock::time_point start_ = Clock::now();
     std::mutex namesMutex_; ///< guards names_ and turns_
     FileNames names_;

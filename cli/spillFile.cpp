@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
-#include <stdlib.h>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -43,7 +43,7 @@ std::optional<SpillFile::Place> SpillFile::keep(std::string_view bytes) {
     return place;
 }
 
-void SpillFile::copyTo(OutputBuffer& out, Place place) const {
+int SpillFile::copyTo(OutputBuffer& out, Place place) const {
     std::array<char, 65536> piece; // NOLINT(*-member-init): set before it is read
     while (place.size > 0) {
         const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(place.size, piece.size()));
@@ -52,12 +52,13 @@ void SpillFile::copyTo(OutputBuffer& out, Place place) const {
             continue;
         }
         if (got <= 0) {
-            return;
+            return got < 0 ? errno : EIO;
         }
         out.append({piece.data(), static_cast<std::size_t>(got)});
         place.position += static_cast<std::uint64_t>(got);
         place.size -= static_cast<std::uint64_t>(got);
     }
+    return 0;
 }
 
 void SpillFile::clear() {

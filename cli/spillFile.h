@@ -22,8 +22,8 @@ public:
 
     /// Nothing where the disk does not take them.
     [[nodiscard]] std::optional<Place> keep(std::string_view bytes);
-    /// Copies what was kept there; what can no longer be read is left out.
-    void copyTo(OutputBuffer& out, Place place) const;
+    /// Copies what was kept there. 0, or the host's number of the error that kept it from doing so.
+    [[nodiscard]] int copyTo(OutputBuffer& out, Place place) const;
     /// Forgets all of it.
     void clear();
 

@@ -29,6 +29,20 @@ struct PictureStart {
     std::size_t skip; ///< the picture begins behind that many bytes
 };
 
+/// A picture that was found.
+struct FoundPicture {
+    PictureStart start;
+    std::array<std::uint8_t, 16> firstBytes{}; ///< as many as were looked at, zero behind them
+    std::size_t knownBytes = 0;
+
+    /// `bytes` hold the start; they stand `offset` bytes behind the range's beginning.
+    FoundPicture(PictureStart found, ByteView bytes, std::size_t offset) : start(found) {
+        const ByteView picture = bytes.subspan(std::min(found.skip - offset, bytes.size()));
+        knownBytes = std::min(picture.size(), firstBytes.size());
+        std::copy_n(picture.begin(), knownBytes, firstBytes.begin());
+    }
+};
+
 /// Frame contents that begin with a known format. The skip passes over the format with its zero byte, the
 /// picture type and the zero byte of an empty one-byte description; any other description stays in front.
 struct FormatRule {
@@ -93,7 +107,7 @@ std::optional<PictureStart> startIn(ByteView bytes) {
 }
 
 /// The first such place anywhere in the range.
-std::optional<PictureStart> startByScan(rcCacheRec* cache, FilePlace range) {
+std::optional<FoundPicture> startByScan(rcCacheRec* cache, FilePlace range) {
     for (std::size_t position = 0; range.size - position >= scannedSize;) {
         ByteView bytes = rcBytesInCache(cache, range.position + position, scannedSize);
         if (bytes.empty()) {
@@ -102,30 +116,38 @@ std::optional<PictureStart> startByScan(rcCacheRec* cache, FilePlace range) {
         bytes = bytes.first(std::min(bytes.size(), range.size - position));
         if (auto start = startIn(bytes)) {
             start->skip += position;
-            return start;
+            return FoundPicture(*start, bytes, position);
         }
         position += bytes.size() - (scannedSize - 1);
+        if (bytes.back() == 0) {
+            // The last bytes of a hole may belong to a start, two of which begin with zero bytes.
+            const std::uint64_t data =
+                rcPastHole(cache, range.position + position + scannedSize) - scannedSize;
+            position = std::min<std::uint64_t>(data - range.position, range.size);
+        }
     }
     return std::nullopt;
 }
 
-std::optional<PictureStart> findPicture(rcCacheRec* cache, FilePlace range) {
+std::optional<FoundPicture> findPicture(rcCacheRec* cache, FilePlace range) {
     const ByteView head = rcBytesInCache(cache, range.position, smallestFrame);
     if (head.empty()) {
         return std::nullopt;
     }
     const auto start = startByFormat(head);
-    return start ? start : startByScan(cache, range);
+    return start ? FoundPicture(*start, head, 0) : startByScan(cache, range);
 }
 
-/// The picture's bytes; none when they cannot be had, or are no longer those that were found there.
-ByteBlock loadPicture(rcCacheRec* cache, FilePlace place) {
-    std::array<std::uint8_t, 16> found{};
-    const auto compared = static_cast<std::uint32_t>(std::min<std::size_t>(found.size(), place.size));
+/// The picture's bytes; none when they cannot be had, or the file is no longer the one that it was found in.
+/// Goes past the cache's buffer, so that what follows is read alike with and without it.
+ByteBlock loadPicture(const rcCacheRec& cache, FilePlace place, const FoundPicture& found) {
+    std::uint64_t size = 0;
     ByteBlock bytes = ByteBlock::allocate(place.size);
-    if (!bytes || rcReadFromCache(cache, place.position, compared, found.data()) != fileNoErr ||
-        rcReadFromCache(cache, place.position, place.size, bytes.data()) != fileNoErr ||
-        !std::equal(found.begin(), found.begin() + compared, bytes.data())) {
+    if (!bytes || feReadFromFile(cache.refNum, place.position, place.size, bytes.data()) != fileNoErr ||
+        feGetEOF(cache.refNum, &size) != fileNoErr || size != cache.eof ||
+        !std::equal(found.firstBytes.begin(),
+                    found.firstBytes.begin() + std::min<std::size_t>(found.knownBytes, place.size),
+                    bytes.data())) {
         return {};
     }
     return bytes;
@@ -138,21 +160,25 @@ std::int32_t mp3ReadCoverArt(audioTags* record, std::uint64_t offset, std::uint3
     if (count < smallestFrame) {
         return -1;
     }
-    const auto start =
-        rcRangeIsInFile(*cache, offset, count) ? findPicture(cache, {offset, count}) : std::nullopt;
-    if (!start) {
+    if (!rcRangeIsInFile(*cache, offset, count)) {
         return -2;
     }
-    const FilePlace place = {offset + start->skip, static_cast<std::uint32_t>(count - start->skip)};
+    cache->work += count; // loaded or not
+    const auto found = findPicture(cache, {offset, count});
+    if (!found) {
+        return -2;
+    }
+    const std::size_t skip = found->start.skip;
+    const FilePlace place = {offset + skip, static_cast<std::uint32_t>(count - skip)};
     if (pictures == Pictures::load) {
-        ByteBlock bytes = loadPicture(cache, place);
+        ByteBlock bytes = loadPicture(*cache, place, *found);
         if (!bytes) {
             return -2;
         }
         record->mp3CoverArt = std::move(bytes);
     }
     record->mp3CoverArtPlace = place;
-    record->mp3CoverArtType = start->type;
+    record->mp3CoverArtType = found->start.type;
     return 0;
 }
 

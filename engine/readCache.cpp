@@ -21,16 +21,17 @@ bool holds(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count)
 /// How much the next filling asks for. Reading goes on where it skips no more than was read at once; and a
 /// short way back, as from a text's last byte to its first, is no sign that it has come to another place.
 std::uint32_t nextFillSize(const rcCacheRec& cache, std::uint64_t position) {
-    constexpr std::uint32_t firstFillSize = 4096;
-    constexpr std::uint32_t growth = 4;
+    constexpr std::uint64_t firstFillSize = 4096;
+    constexpr std::uint64_t growth = 4;
     const std::uint64_t reach = std::uint64_t{cache.validLength} + cache.fillSize;
-    std::uint32_t next = 0;
+    std::uint64_t next = 0;
     if (position >= cache.bufferPos && position - cache.bufferPos <= reach) {
         next = growth * cache.fillSize;
     } else if (position < cache.bufferPos && cache.bufferPos - position <= cache.fillSize) {
         next = cache.fillSize;
     }
-    return std::min(std::max(next, firstFillSize), cache.bufferSize);
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(std::max(next, firstFillSize), cache.bufferSize));
 }
 
 std::int32_t refill(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) {
@@ -132,12 +133,11 @@ ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t
 }
 
 std::uint64_t rcPastHole(rcCacheRec* cache, std::uint64_t position) noexcept {
-    if (position < cache->dataEnd) {
-        return position;
+    if (position < cache->dataStart || position >= cache->dataEnd) {
+        cache->dataStart = std::max(std::min(feNextData(cache->refNum, position), cache->eof), position);
+        cache->dataEnd = feNextHole(cache->refNum, cache->dataStart);
     }
-    const std::uint64_t data = std::min(feNextData(cache->refNum, position), cache->eof);
-    cache->dataEnd = feNextHole(cache->refNum, data);
-    return std::max(data, position);
+    return std::max(position, cache->dataStart);
 }
 
 bool rcRangeIsInFile(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count) noexcept {
@@ -168,6 +168,7 @@ std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept {
     cache->eof = 0;
     cache->work = 0;
     cache->fillSize = 0;
+    cache->dataStart = 0;
     cache->dataEnd = 0;
     cache->refNum = 0;
     return refNum == 0 ? fileNoErr : feCloseFile(refNum);

@@ -30,7 +30,8 @@ struct rcCacheRec {
     std::uint64_t eof = 0;                  ///< the file's size when the cache was opened
     std::uint64_t work = 0;                 ///< bytes read from the file and handed out so far
     std::uint32_t fillSize = 0;             ///< bytes that the last filling asked for, but for the file's end
-    std::uint64_t dataEnd = 0;              ///< no hole begins before this position (see rcPastHole)
+    std::uint64_t dataStart = 0;            ///< between here and
+    std::uint64_t dataEnd = 0;              ///< here the file has no hole (see rcPastHole)
 };
 
 enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any number

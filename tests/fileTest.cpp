@@ -116,6 +116,7 @@ TEST_F(CacheTest, PassesOverHoles) {
     EXPECT_LE(data, 32 * mebibyte);
     EXPECT_EQ(rcPastHole(&cache, data + 1), data + 1);
     EXPECT_EQ(rcPastHole(&cache, 40 * mebibyte), 64 * mebibyte);
+    EXPECT_EQ(rcPastHole(&cache, mebibyte), data); // back again
     EXPECT_EQ(rcPastHole(&cache, 65 * mebibyte), 65 * mebibyte);
     EXPECT_EQ(rcPastHole(&cache, ~std::uint64_t{0}), ~std::uint64_t{0});
 }

@@ -252,6 +252,23 @@ class HostileFiles(Folder):
                 file.flush()
                 self.assertEqual(self.read_within(file.name, 60), status)
 
+    def test_tags_that_share_their_pictures(self):
+        """So many that they are not all read; those that are do not depend on whether pictures are wanted."""
+        common = b"COMM\0\0\0\x12\0\2\0\6\xba\xa8\0\x10\x40\x0e\xac\x44" + bytes(6)
+        tag_size, count, sound = 53, 60, b"\0\0\xff\xd8" * 100000
+        end = 12 + len(common) + count * (8 + tag_size) + 8 + len(sound)
+        chunks = b""
+        for number in range(count):
+            picture = end - (12 + len(common) + number * (8 + tag_size) + 8 + 33) - 2
+            frames = (b"TPE1\0\0\0\3\0\0\0A\0" + b"APIC" + picture.to_bytes(4, "big") + b"\0\0" +
+                      b"\0image/jpeg\0\3\0".ljust(20, b"\0"))
+            chunks += b"ID3 \0\0\0" + bytes([tag_size]) + b"ID3\3\0\0\0\0\0" + bytes([tag_size - 10]) + frames
+        form = b"AIFF" + common + chunks + b"SSND" + len(sound).to_bytes(4, "big") + sound
+        path = self.write("shared.aif", b"FORM" + len(form).to_bytes(4, "big") + form)
+        record = read_json(path)[0]["record"]
+        self.assertLess(len(record["mp3ArtistString"]), 2 * count - 1)
+        self.assertEqual(len(run("--cover", "-", path).stdout), record["mp3CoverArt"])
+
     def test_a_tag_of_joined_frames(self):
         frames = (b"TPE1\0\0\0\3\0\0\0ab" * 200000)
         header = b"ID3\3\0\0" + bytes(len(frames) >> shift & 127 for shift in (21, 14, 7, 0))

@@ -4,6 +4,7 @@
 import json
 import os
 import pty
+import resource
 import signal
 import subprocess
 import time
@@ -34,7 +35,7 @@ class Library(Folder):
 
     def test_folders_in_the_order_of_their_names(self):
         self.plant("b/2.mp3", "b/10.mp3", "b/a/z.M4A", "b/a\n.mp3", "b/é.wav", "a.mp3", "c/notes.txt", "c/cover.jpg",
-                   "c/noname", "c/._x.mp3", "c/x.mp3", "c/._lone.mp3", "other/o.aif")
+                   "c/noname", "c/._x.mp3", "c/x.mp3", "c/._lone.mp3", "other/o.aif", "other/._o.aif/in.mp3")
         try:
             os.setxattr(self.folder / "c/noname", "user.com.apple.FinderInfo", FINDER_INFO)
         except OSError as unsupported:
@@ -44,7 +45,7 @@ class Library(Folder):
         (self.folder / "b/file.mp3").symlink_to("../a.mp3")
         os.mkfifo(self.folder / "b/fifo.mp3")
         expected = ["a.mp3", "b/10.mp3", "b/2.mp3", "b/a\n.mp3", "b/a/z.M4A", "b/file.mp3", "b/é.wav", "c/._lone.mp3",
-                    "c/noname", "c/x.mp3", "other/o.aif"]
+                    "c/noname", "c/x.mp3", "other/._o.aif/in.mp3", "other/o.aif"]
         wrong = {"b/a/z.M4A", "b/é.wav", "other/o.aif"}  # in truth MPEG files
         for jobs in ("1", "4"):
             paths, complaints = self.shown("-r", "--jobs", jobs, self.folder, status=1)
@@ -53,7 +54,8 @@ class Library(Folder):
                              [os.fsencode(path) for path in expected if "/" not in path[2:]])
             self.assertEqual(len(complaints.splitlines()), len(wrong))
         paths, _ = self.shown("--recursive", f"{self.folder}/c/", self.folder / "b/link", self.folder / "a.mp3", status=1)
-        self.assertEqual(paths, ["c/._lone.mp3", "c/noname", "c/x.mp3", "b/link/o.aif", "a.mp3"])
+        self.assertEqual(paths, ["c/._lone.mp3", "c/noname", "c/x.mp3", "b/link/._o.aif/in.mp3", "b/link/o.aif",
+                                 "a.mp3"])
         self.assertEqual(self.shown(self.folder / "c", status=1)[0], ["c"])  # not asked to look inside
 
     def test_folders_that_cannot_be_read_are_passed_over(self):
@@ -91,7 +93,15 @@ class Library(Folder):
                                                          "…: File name too long", "-: Name 6 is empty")):
             self.assertIn(words, line)
             self.assertLess(len(line), 5000)
-        for unreadable, words in ((self.folder / "no", "No such file"), (self.folder, "Is a directory")):
+        read, write = os.pipe()
+        os.set_blocking(read, False)
+        waiting = subprocess.Popen([INFO, "--json", "--files0-from", "-"], stdin=read, stdout=subprocess.PIPE)
+        os.close(read)
+        time.sleep(0.1)
+        os.write(write, listed(names))
+        os.close(write)
+        self.assertEqual(waiting.communicate()[0].count(b"\n"), 3)
+        for unreadable, words in (("", "No such file"), (self.folder / "no", "No such file"), (self.folder, "Is a directory")):
             self.assertIn(words, self.shown("--files0-from", unreadable, status=1)[1])
 
     def test_many_files_come_in_order(self):
@@ -106,6 +116,9 @@ class Library(Folder):
         for jobs in ("2", "7"):
             done = run("--jobs", jobs, *paths)
             self.assertEqual((done.returncode, done.stdout, done.stderr), (1, wanted.stdout, wanted.stderr))
+        few = run("--json", "--jobs", "64", *[self.folder / "small.mp3"] * 80,
+                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (24, 24)))
+        self.assertEqual((few.returncode, few.stdout.count(b"\n")), (0, 80))
         unasked = run(*paths, *paths)  # so many that it helps itself
         self.assertEqual(unasked.stdout, wanted.stdout + b"\n" + wanted.stdout)
 
@@ -119,7 +132,8 @@ class Library(Folder):
 
 class Endings(Folder):
     def start(self, *arguments, **options):
-        process = subprocess.Popen([INFO, "--json", "--files0-from", "-", *arguments], stdin=subprocess.PIPE, **options)
+        process = subprocess.Popen([INFO, "--json", "--files0-from", "-", *arguments], stdin=subprocess.PIPE,
+                                   env=dict(os.environ, TERM="xterm"), **options)
         self.addCleanup(process.communicate)
         self.addCleanup(process.kill)
         return process
@@ -139,6 +153,20 @@ class Endings(Folder):
                     self.assertEqual(process.wait(10), -end)
                     self.assertEqual(process.stdout.read(), b"")
                     self.assertTrue(all(json.loads(line) for line in lines))
+
+    def test_signals_while_nobody_reads(self):
+        try:
+            main, side = pty.openpty()
+        except OSError as missing:
+            self.skipTest(str(missing))
+        for arguments in ((), ("--jobs", "3")):
+            process = self.start(*arguments, stdout=subprocess.PIPE, stderr=side)
+            self.feed(process, 500)
+            time.sleep(1.3)  # progress would be shown, were there any
+            process.send_signal(signal.SIGINT)
+            self.assertEqual(process.wait(10), -signal.SIGINT)
+        os.close(side)
+        os.close(main)
 
     def test_a_reader_that_goes(self):
         for arguments in ((), ("--jobs", "3")):

@@ -63,7 +63,10 @@ public:
             std::free(block);
         }
     }
-    void* newBlock() const noexcept { return std::malloc(shortBlockSize); }
+    /// Not static: calling it makes the owner of this thread.
+    [[nodiscard]] void* newBlock() const noexcept { // NOLINT(*-convert-member-functions-to-static)
+        return std::malloc(shortBlockSize);
+    }
 };
 
 thread_local const ShortBlocksOwner shortBlocksOwner;
