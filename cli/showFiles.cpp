@@ -75,9 +75,8 @@ public:
         if (output_.errorNumber() == EPIPE) {
             endByPipeSignal();
         }
-        if (output_.errorNumber() != 0) {
-            complain(
-                complaintOf("standard output: " + std::generic_category().message(output_.errorNumber())));
+        if (const int error = output_.errorNumber(); error != 0) {
+            complain(complaintOf((error == ENOMEM ? "" : "standard output: ") + hostErrorText(error)));
             return exitNotRead;
         }
         return allRead_ ? exitAllRead : exitNotRead;
