@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -87,6 +88,20 @@ TEST(OrderedOutput, IsSharedByThreads) {
         expected += std::to_string(turn) + ";";
     }
     EXPECT_EQ(sinks.out.text, expected);
+}
+
+TEST(OrderedOutput, WaitsForWhoIsFarBehind) {
+    constexpr std::uint64_t far = 25000;
+    Outputs sinks;
+    OrderedOutput output(sinks.out, sinks.err, false, false);
+    std::thread ahead([&output] { output.finish(far, "far", ""); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(output.finished(), 0U);
+    for (std::uint64_t turn = 0; turn < far; ++turn) {
+        output.finish(turn, "", "");
+    }
+    ahead.join();
+    EXPECT_EQ(sinks.out.text, "far");
 }
 
 TEST(OrderedOutput, ShowsProgressBelowTheOutput) {
