@@ -157,16 +157,12 @@ public:
     }
 
     void element(const SvxStringRef& value) {
-        if (!std::exchange(first_, false)) {
-            out_.append(", ");
-        }
+        separate();
         value ? string(*value) : out_.append("null");
     }
 
     void element(const FindEntryParts& parts) {
-        if (!std::exchange(first_, false)) {
-            out_.append(", ");
-        }
+        separate();
         out_.append('"');
         appendUnits(parts.before);
         if (parts.value) {
@@ -177,6 +173,12 @@ public:
     }
 
 private:
+    void separate() {
+        if (!std::exchange(first_, false)) {
+            out_.append(", ");
+        }
+    }
+
     void begin(char bracket) {
         out_.append(bracket);
         first_ = true;

@@ -7,7 +7,6 @@
 #include <chrono>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace sonarin {
 
@@ -59,34 +58,6 @@ TEST(OrderedOutput, HoldsMoreThanMemoryIsMeantFor) {
     EXPECT_EQ(sinks.out.text, "");
     output.finish(0, "first", "");
     output.end();
-    EXPECT_EQ(sinks.out.text, expected);
-}
-
-TEST(OrderedOutput, IsSharedByThreads) {
-    constexpr std::uint64_t turns = 2000;
-    Outputs sinks;
-    OrderedOutput output(sinks.out, sinks.err, false, true);
-    output.gather(true);
-    std::vector<std::thread> threads;
-    for (std::uint64_t first = 0; first < 4; ++first) {
-        threads.emplace_back([&output, first] {
-            for (std::uint64_t turn = first; turn < turns; turn += 4) {
-                output.append(turn, std::to_string(turn));
-                output.finish(turn, ";", "");
-            }
-        });
-    }
-    for (int i = 0; i < 100; ++i) {
-        output.tend("progress");
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    output.end();
-    std::string expected;
-    for (std::uint64_t turn = 0; turn < turns; ++turn) {
-        expected += std::to_string(turn) + ";";
-    }
     EXPECT_EQ(sinks.out.text, expected);
 }
 

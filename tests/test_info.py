@@ -203,8 +203,10 @@ class Output(Folder):
 
     def test_usage(self):
         for wrong in ([], ["--bogus", "x"], ["--json"], ["--cover", "x"], ["--cover"], ["--force", SAMPLE],
-                      ["--cover", "x", SAMPLE, SAMPLE], ["--json", "--cover", "x", SAMPLE]):
-            done = run(*wrong)
+                      ["--cover", "x", SAMPLE, SAMPLE], ["--json", "--cover", "x", SAMPLE],
+                      ["--files0-from", "-", SAMPLE], ["--files0-from"], ["--jobs", "0", SAMPLE], ["--jobs", "two", SAMPLE],
+                      ["--jobs", "2000", SAMPLE], ["--cover", "-", "--files0-from", "-"], ["--cover", "-", "-r", SAMPLE], ["-r"]):
+            done = run(*wrong, stdin=subprocess.DEVNULL)
             self.assertEqual(done.returncode, 2, wrong)
             self.assertTrue(done.stderr and not done.stdout)
         self.assertIn(b": --b\\x1Bad", run(SAMPLE, "--b\x1bad").stderr)

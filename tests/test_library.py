@@ -122,13 +122,6 @@ class Library(Folder):
         unasked = run(*paths, *paths)  # so many that it helps itself
         self.assertEqual(unasked.stdout, wanted.stdout + b"\n" + wanted.stdout)
 
-    def test_usage(self):
-        self.plant("1.mp3")
-        file = self.folder / "1.mp3"
-        for wrong in (["--files0-from", "-", file], ["--files0-from"], ["--jobs", "0", file], ["--jobs", "two", file],
-                      ["--jobs", "2000", file], ["--cover", "-", "--files0-from", "-"], ["--cover", "-", "-r", file], ["-r"]):
-            self.assertEqual(run(*wrong, stdin=subprocess.DEVNULL).returncode, 2, wrong)
-
 
 class Endings(Folder):
     def start(self, *arguments, **options):
