@@ -26,6 +26,6 @@ struct ShownFile {
 
 /// Reads the file at `path`. Only regular files are ever opened: opening a FIFO would wake the program that
 /// waits at its other end.
-[[nodiscard]] ShownFile readShownFile(SvxStringRef path, Pictures pictures) noexcept;
+[[nodiscard]] ShownFile readShownFile(SvxStringRef path, const ReadOptions& options) noexcept;
 
 } // namespace sonarin

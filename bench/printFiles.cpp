@@ -36,7 +36,7 @@ void printAsJson(const std::vector<std::string>& paths) {
     FileSink sink(null);
     OutputBuffer out(sink);
     for (const std::string& path : paths) {
-        appendJson(out, readShownFile(feMakePathText(path), Pictures::find));
+        appendJson(out, readShownFile(feMakePathText(path), {Pictures::find}));
         out.flush();
     }
     close(null);

@@ -20,7 +20,7 @@ namespace sonarin {
 namespace {
 
 int writeCoverOf(const CommandLine& call) {
-    const ShownFile file = readShownFile(feMakePathText(call.files.front()), Pictures::load);
+    const ShownFile file = readShownFile(feMakePathText(call.files.front()), {Pictures::load});
     if (!file.isRead()) {
         complain(complaintAbout(file.path, failureCause(file)));
     }

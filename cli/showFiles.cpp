@@ -127,7 +127,7 @@ private:
         if (!name.problem.empty()) {
             return complaintAbout(feMakePathText(name.path), name.problem);
         }
-        const ShownFile file = readShownFile(feMakePathText(name.path), Pictures::find);
+        const ShownFile file = readShownFile(feMakePathText(name.path), {Pictures::find});
         if (isJson()) {
             appendJson(out, file);
         } else {

@@ -239,8 +239,8 @@ std::int32_t aacReadQuickTimeToSvxStringRef(rcCacheRec* cache, std::uint64_t ite
     return fileNoErr;
 }
 
-bool aacGetFileInfo(const SvxStringRef& path, audioTags* record, Pictures pictures) noexcept {
-    CachedFile file(path);
+bool aacGetFileInfo(const SvxStringRef& path, audioTags* record, const ReadOptions& options) noexcept {
+    CachedFile file(path, options.progress);
     rcCacheRec* cache = file.cache();
     aacAtomHeader atom;
     if (!file || readHeader(cache, 0, &atom) != fileNoErr || atom.type != fourCC("ftyp")) {
@@ -266,7 +266,7 @@ bool aacGetFileInfo(const SvxStringRef& path, audioTags* record, Pictures pictur
     if (findQTAtom(fourCC("ilst"), &position, limit, cache, &atom) != fileNoErr) {
         return false;
     }
-    ItemWalk(record, cache, pictures).run(position + headerSize, position + atom.size);
+    ItemWalk(record, cache, options.pictures).run(position + headerSize, position + atom.size);
     return true;
 }
 

@@ -38,6 +38,6 @@ std::int32_t aacReadQuickTimeToSvxStringRef(rcCacheRec* cache, std::uint64_t ite
 /// Reads the file into a cleared record. False when it cannot be read or has no item list; duration and bit
 /// rate may be set all the same.
 [[nodiscard]] bool aacGetFileInfo(const SvxStringRef& path, audioTags* record,
-                                  Pictures pictures = Pictures::load) noexcept;
+                                  const ReadOptions& options = {}) noexcept;
 
 } // namespace sonarin

@@ -113,22 +113,22 @@ bool wavePossibleFile(const SvxStringRef& name, std::uint32_t type, std::uint32_
 }
 
 std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record, std::int32_t* type,
-                                        Pictures pictures) noexcept {
+                                        const ReadOptions& options) noexcept {
     const std::int32_t found = amdAudioFileType(path);
     if (type != nullptr) {
         *type = found;
     }
     switch (found) {
     case amdTypeMP3:
-        return mp3GetFileInfo(path, record, pictures) != 0 ? 0 : -1;
+        return mp3GetFileInfo(path, record, options) != 0 ? 0 : -1;
     case amdTypeM4A:
     case amdTypeM4P:
-        return aacGetFileInfo(path, record, pictures) ? 0 : -1;
+        return aacGetFileInfo(path, record, options) ? 0 : -1;
     case amdTypeWAVE:
-        return waveGetFileInfo(path, record) ? 0 : -1;
+        return waveGetFileInfo(path, record, options) ? 0 : -1;
     case amdTypeAIFF: {
         miAudioInfo info;
-        if (!miGetAIFFInfo(path, &info, record, pictures)) {
+        if (!miGetAIFFInfo(path, &info, record, options)) {
             return -1;
         }
         miStoreInfo(info, record);
@@ -139,8 +139,8 @@ std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* rec
     }
 }
 
-std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record) {
-    return record.mp3CoverArt ? makeHostPicture(record.mp3CoverArt.view()) : nullptr;
+std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record, const std::atomic<bool>* isWanted) {
+    return record.mp3CoverArt ? makeHostPicture(record.mp3CoverArt.view(), isWanted) : nullptr;
 }
 
 void amdReleaseAudioMetaData(audioTags* record) noexcept {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/byteBlock.h"
+#include "engine/readOptions.h"
 #include "platform/host/picture.h"
 #include "text/SvxString.h"
 
@@ -16,13 +17,6 @@ namespace sonarin {
 struct FilePlace {
     std::uint64_t position = 0;
     std::uint32_t size = 0;
-};
-
-/// What a reader does with the picture that it finds: a picture may be larger than all else that is read, and
-/// who prints its size does not need its bytes.
-enum class Pictures : std::uint8_t {
-    load,
-    find ///< sets its type and place only
 };
 
 /// The facts and tags of one audio file. A cleared record is `audioTags{}`: numbers 0, texts absent, no
@@ -75,11 +69,13 @@ enum AudioFileType : std::int32_t { // NOLINT(*-enum-size): codes are passed as 
 /// partly filled record. `*type`, unless null, gets the AudioFileType that the file was taken for.
 [[nodiscard]] std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* record,
                                                       std::int32_t* type = nullptr,
-                                                      Pictures pictures = Pictures::load) noexcept;
+                                                      const ReadOptions& options = {}) noexcept;
 
 /// A new picture from the record's cover; null when there is none, or its bytes are no image that the program
-/// can decode. The format is recognised by the bytes: mp3CoverArtType may be wrong.
-[[nodiscard]] std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record);
+/// can decode, or the picture is no longer wanted. The format is recognised by the bytes: mp3CoverArtType may
+/// be wrong.
+[[nodiscard]] std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record,
+                                                          const std::atomic<bool>* isWanted = nullptr);
 
 /// Releases the record's texts and picture and nulls their fields; numbers stay. Harmless when repeated.
 void amdReleaseAudioMetaData(audioTags* record) noexcept;

@@ -20,6 +20,7 @@ enum FileResult : std::int32_t { // NOLINT(*-enum-size): results are passed as 3
     fileNoErr = 0,
     fileEofErr = -39,       ///< the bytes extend past what the file holds
     fileMemFullErr = -108,  ///< no buffer
+    fileUnwantedErr = -128, ///< nobody wants the bytes any more
     fileShortReadErr = -192 ///< the host delivered fewer bytes than it has, without an error
 };
 

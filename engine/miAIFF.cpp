@@ -116,17 +116,17 @@ private:
 } // namespace
 
 bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* record,
-                   Pictures pictures) noexcept {
+                   const ReadOptions& options) noexcept {
     if (info != nullptr) {
         *info = {};
     }
-    CachedFile file(path);
+    CachedFile file(path, options.progress);
     ChunkWalk walk(file.cache(), rcByteOrderBig);
     if (!file || !walk.readForm() || walk.formId() != fourCC("FORM") ||
         (walk.formType() != fourCC("AIFF") && walk.formType() != fourCC("AIFC"))) {
         return false;
     }
-    TagChunks tags(record, file.cache(), pictures);
+    TagChunks tags(record, file.cache(), options.pictures);
     bool commFound = false;
     for (Chunk chunk; walk.next(&chunk);) {
         if (chunk.id == fourCC("ID3 ")) {

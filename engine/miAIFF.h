@@ -11,7 +11,7 @@ namespace sonarin {
 /// Clears `*info` and fills it, and the record's tag fields from "ID3 " chunks; either may be null. True when
 /// a "COMM" chunk was found and the file could be walked to its end; tag fields may be set all the same.
 [[nodiscard]] bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* record,
-                                 Pictures pictures = Pictures::load) noexcept;
+                                 const ReadOptions& options = {}) noexcept;
 
 /// The value of the ten bytes of a big-endian IEEE 754 80-bit extended number; infinity for a NaN.
 [[nodiscard]] double ConvertFromIeeeExtended(ByteView bytes) noexcept;

@@ -69,9 +69,9 @@ void storeCompressed(const WaveFormat& format, std::uint32_t samples, miAudioInf
 
 } // namespace
 
-bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info) noexcept {
+bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info, const ReadOptions& options) noexcept {
     *info = {};
-    CachedFile file(path);
+    CachedFile file(path, options.progress);
     ChunkWalk walk(file.cache(), rcByteOrderLittle);
     if (!file || !walk.readForm() || walk.formId() != fourCC("RIFF") || walk.formType() != fourCC("WAVE")) {
         return false;
@@ -105,9 +105,9 @@ bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info) noexcept {
     return false;
 }
 
-bool waveGetFileInfo(const SvxStringRef& path, audioTags* record) noexcept {
+bool waveGetFileInfo(const SvxStringRef& path, audioTags* record, const ReadOptions& options) noexcept {
     miAudioInfo info;
-    const bool isRead = miGetWAVInfo(path, &info);
+    const bool isRead = miGetWAVInfo(path, &info, options);
     miStoreInfo(info, record);
     return isRead;
 }

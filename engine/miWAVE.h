@@ -8,9 +8,11 @@ namespace sonarin {
 
 /// Clears `*info` and fills it. True when the sound format was found: a PCM "fmt " chunk, or one of another
 /// format with a "fact" chunk behind it. What was found until a failure stays in `*info`.
-[[nodiscard]] bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info) noexcept;
+[[nodiscard]] bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info,
+                                const ReadOptions& options = {}) noexcept;
 
 /// Reads the file into a cleared record; answers as miGetWAVInfo, and stores what was found in either case.
-[[nodiscard]] bool waveGetFileInfo(const SvxStringRef& path, audioTags* record) noexcept;
+[[nodiscard]] bool waveGetFileInfo(const SvxStringRef& path, audioTags* record,
+                                   const ReadOptions& options = {}) noexcept;
 
 } // namespace sonarin

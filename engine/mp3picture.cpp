@@ -140,11 +140,11 @@ std::optional<FoundPicture> findPicture(rcCacheRec* cache, FilePlace range) {
 
 /// The picture's bytes; none when they cannot be had, or the file is no longer the one that it was found in.
 /// Goes past the cache's buffer, so that what follows is read alike with and without it.
-ByteBlock loadPicture(const rcCacheRec& cache, FilePlace place, const FoundPicture& found) {
+ByteBlock loadPicture(rcCacheRec* cache, FilePlace place, const FoundPicture& found) {
     std::uint64_t size = 0;
     ByteBlock bytes = ByteBlock::allocate(place.size);
-    if (!bytes || feReadFromFile(cache.refNum, place.position, place.size, bytes.data()) != fileNoErr ||
-        feGetEOF(cache.refNum, &size) != fileNoErr || size != cache.eof ||
+    if (!bytes || rcReadPastCache(cache, place.position, place.size, bytes.data()) != fileNoErr ||
+        feGetEOF(cache->refNum, &size) != fileNoErr || size != cache->eof ||
         !std::equal(found.firstBytes.begin(),
                     found.firstBytes.begin() + std::min<std::size_t>(found.knownBytes, place.size),
                     bytes.data())) {
@@ -171,7 +171,7 @@ std::int32_t mp3ReadCoverArt(audioTags* record, std::uint64_t offset, std::uint3
     const std::size_t skip = found->start.skip;
     const FilePlace place = {offset + skip, static_cast<std::uint32_t>(count - skip)};
     if (pictures == Pictures::load) {
-        ByteBlock bytes = loadPicture(*cache, place, *found);
+        ByteBlock bytes = loadPicture(cache, place, *found);
         if (!bytes) {
             return -2;
         }

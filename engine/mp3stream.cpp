@@ -86,8 +86,9 @@ bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, ByteView start, 
 
 } // namespace
 
-std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record, Pictures pictures) noexcept {
-    CachedFile file(path);
+std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record,
+                            const ReadOptions& options) noexcept {
+    CachedFile file(path, options.progress);
     rcCacheRec* cache = file.cache();
     std::array<std::uint8_t, 4> start{};
     if (!file || rcReadFromCache(cache, 0, start.size(), start.data()) != fileNoErr) {
@@ -95,7 +96,7 @@ std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record, Picture
     }
     const std::uint64_t size = cache->eof;
     std::uint64_t position = 0;
-    const bool tagGaveText = readLeadingTag(cache, &position, start, record, pictures);
+    const bool tagGaveText = readLeadingTag(cache, &position, start, record, options.pictures);
 
     const std::optional<MpegFrameHeader> header = findFirstFrame(cache, &position);
     if (!header) {

@@ -13,7 +13,7 @@ namespace sonarin {
 /// Reads the file into a cleared record. 1 when a frame header was found; 0 when the file cannot be read or
 /// holds none, in which case tags read before that stay in the record.
 [[nodiscard]] std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record,
-                                          Pictures pictures = Pictures::load) noexcept;
+                                          const ReadOptions& options = {}) noexcept;
 
 /// Reads the ID3v2 tag at `*position`, whose "ID3" the caller has seen, and moves `*position` to the tag's
 /// end. Answers the result of the last cache read.

@@ -34,6 +34,19 @@ std::uint32_t nextFillSize(const rcCacheRec& cache, std::uint64_t position) {
         std::min<std::uint64_t>(std::max(next, firstFillSize), cache.bufferSize));
 }
 
+/// The one place where the file is read, and where a reading that nobody wants any more ends.
+std::int32_t readFromFile(rcCacheRec* cache, std::uint64_t position, std::uint32_t count, void* destination) {
+    if (cache->progress != nullptr) {
+        if (!cache->progress->isWanted.load(std::memory_order_relaxed)) {
+            return fileUnwantedErr;
+        }
+        if (count == rcStandardBufferSize) { // as only what takes long is read
+            cache->progress->position.store(position, std::memory_order_relaxed);
+        }
+    }
+    return feReadFromFile(cache->refNum, position, count, destination);
+}
+
 std::int32_t refill(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) {
     if (!cache->buffer) {
         return fileMemFullErr;
@@ -43,8 +56,7 @@ std::int32_t refill(rcCacheRec* cache, std::uint64_t position, std::uint32_t cou
     cache->bufferPos = position;
     cache->validLength = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->fillSize, left));
     cache->work += cache->validLength;
-    const std::int32_t result =
-        feReadFromFile(cache->refNum, position, cache->validLength, cache->buffer.get());
+    const std::int32_t result = readFromFile(cache, position, cache->validLength, cache->buffer.get());
     if (result != fileNoErr) {
         cache->validLength = 0;
     }
@@ -110,13 +122,26 @@ std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uin
     }
     cache->work += count;
     if (count > cache->bufferSize) {
-        return feReadFromFile(cache->refNum, position, count, destination);
+        return rcReadPastCache(cache, position, count, destination);
     }
     const std::int32_t result = provide(cache, position, count);
     if (result == fileNoErr && count > 0) {
         std::memcpy(destination, cache->buffer.get() + (position - cache->bufferPos), count);
     }
     return result;
+}
+
+std::int32_t rcReadPastCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
+                             void* destination) noexcept {
+    const std::uint32_t piece = std::max(cache->bufferSize, 1U);
+    auto* out = static_cast<std::uint8_t*>(destination);
+    for (; count > piece; position += piece, count -= piece, out += piece) {
+        const std::int32_t result = readFromFile(cache, position, piece, out);
+        if (result != fileNoErr) {
+            return result;
+        }
+    }
+    return readFromFile(cache, position, count, out);
 }
 
 std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept {
@@ -171,10 +196,12 @@ std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept {
     cache->dataStart = 0;
     cache->dataEnd = 0;
     cache->refNum = 0;
+    cache->progress = nullptr;
     return refNum == 0 ? fileNoErr : feCloseFile(refNum);
 }
 
-CachedFile::CachedFile(const SvxStringRef& path, std::uint32_t bufferSize) noexcept {
+CachedFile::CachedFile(const SvxStringRef& path, ReadProgress* progress, std::uint32_t bufferSize) noexcept {
+    cache_.progress = progress;
     const std::int32_t refNum = feOpenExistingDataFile(path, 0);
     isOpen_ = refNum != 0 && rcOpenCache(&cache_, refNum, bufferSize) == fileNoErr;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/bytes.h"
+#include "engine/readOptions.h"
 #include "text/SvxString.h"
 
 #include <cstdint>
@@ -13,8 +14,8 @@
 /// grows as long as each filling goes on where the one before ended: what is read through is read in large
 /// pieces.
 ///
-/// Operations answer 0, fileMemFullErr, fileEofErr, fileShortReadErr or a negated host error number (see
-/// fileEngine.h). Positions are bytes from the file's start, 64 bits wide.
+/// Operations answer 0, fileMemFullErr, fileEofErr, fileShortReadErr, fileUnwantedErr or a negated host error
+/// number (see fileEngine.h). Positions are bytes from the file's start, 64 bits wide.
 namespace sonarin {
 
 inline constexpr std::uint32_t rcStandardBufferSize = 65536;
@@ -32,6 +33,7 @@ struct rcCacheRec {
     std::uint32_t fillSize = 0;             ///< bytes that the last filling asked for, but for the file's end
     std::uint64_t dataStart = 0;            ///< between here and
     std::uint64_t dataEnd = 0;              ///< here the file has no hole (see rcPastHole)
+    ReadProgress* progress = nullptr;       ///< asked and told at every read of the file, unless null
 };
 
 enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any number
@@ -48,6 +50,10 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 /// file to the destination; anything else is served from the buffer, which on a miss is refilled from
 /// `position`.
 [[nodiscard]] std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
+                                           void* destination) noexcept;
+
+/// The same, but always straight from the file, in pieces no larger than the buffer.
+[[nodiscard]] std::int32_t rcReadPastCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
                                            void* destination) noexcept;
 
 /// Refills the buffer from `position`: with four times as much as the last time, up to the whole buffer,
@@ -84,7 +90,9 @@ std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept;
 /// The file at a path with a cache over it, open for one reader; both are closed on every way out.
 class CachedFile {
 public:
-    explicit CachedFile(const SvxStringRef& path, std::uint32_t bufferSize = rcStandardBufferSize) noexcept;
+    /// `progress`, unless null, must outlive this.
+    explicit CachedFile(const SvxStringRef& path, ReadProgress* progress = nullptr,
+                        std::uint32_t bufferSize = rcStandardBufferSize) noexcept;
     CachedFile(const CachedFile&) = delete;
     CachedFile& operator=(const CachedFile&) = delete;
     ~CachedFile() { rcCloseCacheAndFile(&cache_); }

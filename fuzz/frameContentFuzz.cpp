@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     startUp();
     const MemoryFile file(bytes, size);
-    CachedFile opened(file.path(), 16U + bytes[1]);
+    CachedFile opened(file.path(), nullptr, 16U + bytes[1]);
     if (!opened) {
         return 0;
     }

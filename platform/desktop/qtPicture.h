@@ -10,6 +10,7 @@ namespace sonarin {
 /// A picture decoded by Qt.
 class QtPicture final : public HostPicture {
 public:
+    /// The image may be smaller than the picture.
     QtPicture(QImage image, double widthInPoints, double heightInPoints)
         : image_(std::move(image)), width_(widthInPoints), height_(heightInPoints) {}
 
@@ -24,7 +25,8 @@ private:
 };
 
 /// Makes Qt the program's picture decoder: every format that Qt has a plug-in for. A picture that would take
-/// more than 256 MB is refused by what its header says.
+/// more than 256 MB is refused by what its header says; one of more than 2048 pixels in a row or column is
+/// kept smaller.
 void decodePicturesWithQt();
 
 } // namespace sonarin

@@ -13,8 +13,9 @@ void setHostPictureDecoder(HostPictureDecoder decoder) noexcept {
     currentDecoder = decoder;
 }
 
-std::unique_ptr<HostPicture> makeHostPicture(std::span<const std::uint8_t> bytes) {
-    return currentDecoder != nullptr ? currentDecoder(bytes) : nullptr;
+std::unique_ptr<HostPicture> makeHostPicture(std::span<const std::uint8_t> bytes,
+                                             const std::atomic<bool>* isWanted) {
+    return currentDecoder != nullptr ? currentDecoder(bytes, isWanted) : nullptr;
 }
 
 } // namespace sonarin

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -23,13 +24,16 @@ public:
 };
 
 /// Makes a picture of the bytes of an image file, whose format it recognises by the bytes themselves; null
-/// for anything else. The bytes are the caller's and need not outlive the call.
-using HostPictureDecoder = std::unique_ptr<HostPicture> (*)(std::span<const std::uint8_t> bytes);
+/// for anything else, or soon after `isWanted` (unless null) became false. The bytes are the caller's and
+/// need not outlive the call. May be called in any thread.
+using HostPictureDecoder = std::unique_ptr<HostPicture> (*)(std::span<const std::uint8_t> bytes,
+                                                            const std::atomic<bool>* isWanted);
 
-/// Sets the decoder for the whole program; null for none, as at the start.
+/// Sets the decoder for the whole program, before there are threads; null for none, as at the start.
 void setHostPictureDecoder(HostPictureDecoder decoder) noexcept;
 
 /// The picture in `bytes`; null when they are no image, or nobody can decode it.
-[[nodiscard]] std::unique_ptr<HostPicture> makeHostPicture(std::span<const std::uint8_t> bytes);
+[[nodiscard]] std::unique_ptr<HostPicture> makeHostPicture(std::span<const std::uint8_t> bytes,
+                                                           const std::atomic<bool>* isWanted = nullptr);
 
 } // namespace sonarin
