@@ -128,7 +128,7 @@ void measureFollowing(const TestFolder& folder) {
     UserDefaults defaults;
     AppController controller(&sources, &defaults);
     controller.gUpdateTimer->stop();
-    BusProgram player({QStringLiteral("org.mpris.MediaPlayer2.bench")});
+    BusProgram player({"org.mpris.MediaPlayer2.bench"});
     player.play(folder.write("followed.mp3", songFile("Followed")));
     controller.useCurrentiTunesSongForSync();
     const auto tick = [&] {

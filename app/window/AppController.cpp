@@ -71,6 +71,7 @@ AppController::AppController(SelectionSources* sources, UserDefaults* defaults, 
 }
 
 AppController::~AppController() {
+    endReading();
     defaults_->set(windowGeometry, myWindow->saveGeometry());
 }
 
@@ -85,6 +86,7 @@ void AppController::loadInterface() {
     id3DurationField = main.id3DurationField;
     id3BitrateEtcField = main.id3BitrateEtcField;
     id3SongTitleField = main.id3SongTitleField;
+    readingField = main.readingField;
     id3ArtistField = main.id3ArtistField;
     id3AlbumField = main.id3AlbumField;
     id3YearField = main.id3YearField;
@@ -199,12 +201,16 @@ void AppController::awakeFromNib() {
     connect(followStatusField, &QLabel::linkActivated, this, &AppController::showConnectors);
     following_.start();
 
+    readingTimer_.setInterval(std::chrono::milliseconds(100));
+    readingTimer_.callOnTimeout(this, &AppController::showReading);
+
     connect(editTagsPopup, &PullDownButton::aboutToPullDown, this, &AppController::addInstalledEditors);
     myWindow->restoreGeometry(defaults_->value(windowGeometry).toByteArray());
     myWindow->installEventFilter(this);
     syncCheckbox->setFocus();
     clearFacts();
-    fileIconField->setIcon(QApplication::windowIcon());
+    constexpr int iconSize = 256;
+    fileIconField->setIcon(QApplication::windowIcon().pixmap(iconSize, iconSize).toImage());
     enableTwitterButton();
 }
 
@@ -240,15 +246,13 @@ SelectionSources::Question AppController::question() const {
 
 /// Shows what the chosen source says, unless somebody is choosing from a menu that this would change.
 void AppController::takeAnswer() {
-    if (!syncCheckbox->isChecked() || isUpdatingSelection_ || QApplication::activePopupWidget() != nullptr) {
+    if (!syncCheckbox->isChecked() || QApplication::activePopupWidget() != nullptr) {
         return;
     }
-    isUpdatingSelection_ = true;
     const SelectionSources::Paths paths = querySource();
     if (paths && paths->size() == 1 && !paths->first().isEmpty()) {
         updateValuesForNewPath(cocoaUtils::pathText(paths->first()));
     }
-    isUpdatingSelection_ = false;
     showFollowStatus();
 }
 
@@ -329,6 +333,26 @@ bool AppController::applicationOpenFile(const QString& path) {
     return updateValuesForNewPath(path);
 }
 
+void AppController::openFiles(const QList<QByteArray>& paths) {
+    const bool isOpening = !toOpen_.isEmpty();
+    toOpen_ += paths;
+    if (!isOpening) {
+        openNext();
+    }
+}
+
+/// One at a time, so that many of them do not hold the window up.
+void AppController::openNext() {
+    if (toOpen_.isEmpty()) {
+        return;
+    }
+    applicationOpenFile(cocoaUtils::pathText(QByteArray(toOpen_.first())));
+    toOpen_.removeFirst();
+    if (!toOpen_.isEmpty()) {
+        QMetaObject::invokeMethod(this, &AppController::openNext, Qt::QueuedConnection);
+    }
+}
+
 void AppController::openFileUserDataError(const QMimeData* pasteboard) {
     showMainWindow();
     constexpr qsizetype longestPath = 12288; // every byte escaped
@@ -363,10 +387,11 @@ void AppController::copy() {
 }
 
 void AppController::openDocument() {
-    const QStringList names = QFileDialog::getOpenFileNames(myWindow, QStringLiteral("Open"));
-    for (const QString& name : names) {
-        applicationOpenFile(cocoaUtils::pathText(QFile::encodeName(name)));
+    QList<QByteArray> paths;
+    for (const QString& name : QFileDialog::getOpenFileNames(myWindow, QStringLiteral("Open"))) {
+        paths.append(QFile::encodeName(name));
     }
+    openFiles(paths);
 }
 
 /// A text that was copied from a terminal or an editor often ends with one line end too many.
@@ -397,16 +422,16 @@ void AppController::terminate() {
 
 /// Shows the files of a drop or of a file manager's copy, one after the other. False when there are none.
 bool AppController::takeDropped(const QMimeData* data) {
-    bool isTaken = false;
+    QList<QByteArray> paths;
     const QList<QUrl> urls = data != nullptr ? data->urls() : QList<QUrl>();
     for (const QUrl& url : urls) {
         const auto path = pathOfFileUri(QString::fromUtf8(url.toEncoded()));
         if (path) {
-            applicationOpenFile(cocoaUtils::pathText(*path));
-            isTaken = true;
+            paths.append(*path);
         }
     }
-    return isTaken;
+    openFiles(paths);
+    return !paths.isEmpty();
 }
 
 bool AppController::eventFilter(QObject* watched, QEvent* event) {

@@ -4,11 +4,13 @@
 #include "app/findMenu.h"
 #include "app/renameMenu.h"
 #include "app/window/ConnectWindow.h"
+#include "app/window/FileReading.h"
 #include "app/window/PictureView.h"
 #include "app/window/PullDownButton.h"
 #include "app/window/ValueLabel.h"
 #include "engine/audioMetaData.h"
 #include "platform/desktop/selectionSources.h"
+#include "platform/desktop/sideWork.h"
 #include "platform/desktop/userDefaults.h"
 
 #include <QCheckBox>
@@ -28,6 +30,8 @@ namespace sonarin {
 /// The one controller of the main window: it loads the interface files, follows the chosen source, fills the
 /// panel for every new path, and carries out what the window's menus and buttons ask for. The methods without
 /// arguments that stand under "actions" are called by name from the interface files.
+///
+/// Everything here belongs to the window's thread; what may hang on a disk is done beside it (see SideWork).
 class AppController : public QObject {
     Q_OBJECT
 
@@ -43,6 +47,8 @@ public:
 
     // --- files from outside -------------------------------------------------------------------------------
     bool applicationOpenFile(const QString& path);
+    /// Opens one file after the other, behind those that are still to be opened.
+    void openFiles(const QList<QByteArray>& paths);
     /// A request that hands over a path, or a "file:" URI, as plain text.
     void openFileUserDataError(const QMimeData* pasteboard);
     bool applicationShouldHandleReopenHasVisibleWindows(bool hasVisibleWindows);
@@ -51,8 +57,14 @@ public:
     // --- the panel ----------------------------------------------------------------------------------------
     /// Fills the window for the path (its bytes that are no UTF-8 as U+DC80 to U+DCFF). False for a null
     /// path, the path shown last, and what is no audio file.
+    ///
+    /// A file that has not been read after 100 ms goes on by itself: the window then shows its name, and the
+    /// rest when it has been read; until then its name alone says whether it is an audio file. During that
+    /// time the window's events go on, with the file before still shown, and a newer path takes this one's
+    /// place.
     bool updateValuesForNewPath(const QString& path);
-    bool acceptPath(const QString& path);
+    /// Stores the audio type, and answers whether it is one.
+    bool acceptPath(std::int32_t type);
     void setupFindInShelvixMenu();
     void setupRenameMenu();
     void enableTwitterButton();
@@ -60,6 +72,7 @@ public:
 
     // --- renaming -----------------------------------------------------------------------------------------
     /// Renames the file in its folder; false, and nothing changed, when it is gone or the name is refused.
+    /// For any thread.
     static bool renameFileAtPath(const QString& path, const SvxStringRef& newName);
 
     // --- following ----------------------------------------------------------------------------------------
@@ -121,6 +134,7 @@ public:
     ValueLabel* id3DurationField = nullptr;
     ValueLabel* id3BitrateEtcField = nullptr;
     ValueLabel* id3SongTitleField = nullptr;
+    QLabel* readingField = nullptr;
     ValueLabel* id3ArtistField = nullptr;
     ValueLabel* id3AlbumField = nullptr;
     ValueLabel* id3YearField = nullptr;
@@ -171,14 +185,21 @@ private:
     void startFollowing();
     [[nodiscard]] SelectionSources::Question question() const;
     [[nodiscard]] SelectionSources::Paths querySource();
+    void openNext();
+    void startReading(const QString& path);
+    void endReading();
+    void showReading();
+    void showRead();
+    void showUnread();
+    void showName(const QString& path);
     void clearFacts();
-    void showFacts();
-    void showCover();
+    void showFacts(const HostPicture* cover);
     void showLyricsText(const SvxStringRef& lyrics);
     void finishUpdate();
     bool takeDropped(const QMimeData* data);
     void rename(RenamePattern pattern);
     void find(FindKey key);
+    void withShownItem(const std::function<void(const std::string& path)>& then);
     void editWith(std::uint32_t creator, const QString& failure);
     void showAlert(const QString& title);
     void addInstalledEditors();
@@ -191,7 +212,12 @@ private:
     std::unique_ptr<QWidget> helpWindowOwner_;
     std::unique_ptr<ConnectWindow> connectWindow_;
     QElapsedTimer following_; ///< since the source was chosen
-    bool isUpdatingSelection_ = false;
+    QList<QByteArray> toOpen_;
+
+    std::shared_ptr<FileReading> reading_; ///< of the path chosen last; none once it is shown
+    SideWork::JobRef readingJob_;
+    QTimer readingTimer_; ///< runs while a file goes on being read by itself
+    SideWork sideWork_;
 };
 
 } // namespace sonarin

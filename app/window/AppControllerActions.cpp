@@ -9,6 +9,7 @@
 #include "text/stringEngine.h"
 
 #include <QMessageBox>
+#include <memory>
 #include <unistd.h>
 
 /// The help page is in the program; what is linked from a library must be asked for, outside any namespace.
@@ -25,12 +26,11 @@ void openUrlText(const SvxStringRef& url) {
     openUrl(cocoaUtils::stringFromText(url).toStdString());
 }
 
-/// The bytes of the path of an item that exists; empty otherwise.
-std::string existingItem(const QString& path) {
+/// The bytes of the path; empty where there are none.
+std::string hostPath(const QString& path) {
     FSRef ref;
-    const bool isThere = feMakeFSRefFromPath(cocoaUtils::textFromString(path), &ref) == fileNoErr &&
-                         access(ref.path.c_str(), F_OK) == 0;
-    return isThere ? ref.path : std::string();
+    (void)feMakeFSRefFromPath(cocoaUtils::textFromString(path), &ref);
+    return ref.path;
 }
 
 void bringToFront(QWidget* window) {
@@ -43,7 +43,12 @@ void bringToFront(QWidget* window) {
 } // namespace
 
 void AppController::rename(RenamePattern pattern) {
-    renameFileAtPath(lastPath, renameFileName(pattern, currentItem, currentItemType));
+    const auto isDone = std::make_shared<bool>(false);
+    const auto work = [path = lastPath, name = renameFileName(pattern, currentItem, currentItemType)] {
+        (void)renameFileAtPath(path, name);
+    };
+    sideWork_.start(hostPath(lastPath), work, [isDone] { *isDone = true; });
+    sideWork_.waitUntil([isDone] { return *isDone; });
 }
 
 bool AppController::renameFileAtPath(const QString& path, const SvxStringRef& newName) {
@@ -70,11 +75,41 @@ void AppController::editWithID3X() {
     editWith(fourCC("id3x"), QStringLiteral("The application ID3X could not be found and launched."));
 }
 
-void AppController::editWith(std::uint32_t creator, const QString& failure) {
-    const std::string path = existingItem(lastPath);
-    if (path.empty() || !openFileWithCreator(path, creator)) {
-        showAlert(failure);
+/// Calls `then` with the path of the item shown, which is empty when there is none any more: at once, or when
+/// its disk has answered.
+void AppController::withShownItem(const std::function<void(const std::string& path)>& then) {
+    struct Look {
+        std::string path;
+        bool isOver = false;
+        bool isLate = false;
+    };
+    const auto look = std::make_shared<Look>(Look{hostPath(lastPath)});
+    const auto work = [look] {
+        if (access(look->path.c_str(), F_OK) != 0) {
+            look->path.clear();
+        }
+    };
+    const auto done = [this, look, then] {
+        look->isOver = true;
+        if (look->isLate) {
+            // Not from here: an alert stays until it is dismissed.
+            QMetaObject::invokeMethod(
+                this, [look, then] { then(look->path); }, Qt::QueuedConnection);
+        }
+    };
+    sideWork_.start(look->path, work, done);
+    if (sideWork_.waitUntil([look] { return look->isOver; })) {
+        then(look->path);
     }
+    look->isLate = !look->isOver;
+}
+
+void AppController::editWith(std::uint32_t creator, const QString& failure) {
+    withShownItem([this, creator, failure](const std::string& path) {
+        if (path.empty() || !openFileWithCreator(path, creator)) {
+            showAlert(failure);
+        }
+    });
 }
 
 void AppController::showAlert(const QString& title) {
@@ -96,10 +131,12 @@ void AppController::addInstalledEditors() {
     for (const DesktopEditor& editor : editors) {
         const QString name = QString::fromStdString(editor.name);
         editTagsPopup->addItemWithTitle(name, [this, id = editor.desktopId, name] {
-            const std::string path = existingItem(lastPath);
-            if (path.empty() || !openFileWithProgram(path, id)) {
-                showAlert(QStringLiteral("The application %1 could not be found and launched.").arg(name));
-            }
+            withShownItem([this, id, name](const std::string& path) {
+                if (path.empty() || !openFileWithProgram(path, id)) {
+                    showAlert(
+                        QStringLiteral("The application %1 could not be found and launched.").arg(name));
+                }
+            });
         });
     }
 }

@@ -8,8 +8,10 @@
 #include "platform/desktop/qtPicture.h"
 #include "text/stringEngine.h"
 
+#include <QApplication>
 #include <QLocale>
 #include <array>
+#include <utility>
 
 namespace sonarin {
 
@@ -67,37 +69,119 @@ void removeEntries(PullDownButton* menu) {
 } // namespace
 
 bool AppController::updateValuesForNewPath(const QString& path) {
-    if (path.isNull() || (!lastPath.isNull() && path == lastPath)) {
+    const QString& chosen = reading_ ? reading_->path : lastPath;
+    if (path.isNull() || (!chosen.isNull() && path == chosen)) {
         return false;
     }
+    startReading(path);
+    const std::shared_ptr<const FileReading> reading = reading_;
+    if (!sideWork_.mustWaitItsTurn(readingJob_)) {
+        const bool isLast = toOpen_.size() <= 1;
+        sideWork_.waitUntil([this] { return !reading_; },
+                            isLast ? SideWork::Patience::usual : SideWork::Patience::little);
+    }
+    if (reading_ && !reading_->isLeft && !sideWork_.isWaiting()) {
+        showUnread();
+    }
+    return (reading->hasEnded ? reading->file.type : amdAudioFileTypeOfName(reading->text)) != amdTypeNone;
+}
+
+bool AppController::acceptPath(std::int32_t type) {
+    currentItemType = type;
+    return currentItemType != amdTypeNone;
+}
+
+/// What was chosen before is of no interest any more; how long it takes to notice that is its own affair.
+void AppController::startReading(const QString& path) {
+    endReading();
+    reading_ = std::make_shared<FileReading>(path);
+    FSRef ref;
+    (void)feMakeFSRefFromPath(reading_->text, &ref);
+    const auto hasEnded = [this] {
+        reading_->hasEnded = true;
+        showReading();
+    };
+    readingJob_ = sideWork_.start(
+        ref.path, [reading = reading_] { reading->run(); }, hasEnded);
+    readingTimer_.start();
+}
+
+void AppController::endReading() {
+    if (reading_) {
+        reading_->progress.isWanted = false;
+        sideWork_.forget(readingJob_);
+        reading_ = nullptr;
+    }
+    readingTimer_.stop();
+    readingField->hide();
+}
+
+/// Shows how far the reading has come. Its result does not change menus while somebody chooses from one.
+void AppController::showReading() {
+    const bool isChoosing = QApplication::activePopupWidget() != nullptr;
+    if (reading_->hasEnded) {
+        if (!reading_->isLeft || !isChoosing) {
+            showRead();
+        }
+        return;
+    }
+    if (!reading_->isLeft) {
+        showUnread();
+    }
+    const auto size = static_cast<double>(reading_->progress.size);
+    const auto position = static_cast<double>(reading_->progress.position);
+    if (size > 0) {
+        cocoaUtils::setStringValue(fileSizeField, panelFileSize({true, reading_->progress.size}));
+    }
+    readingField->setText(position > 0 && position < size
+                              ? QStringLiteral("Reading… %1%").arg(static_cast<int>(100 * position / size))
+                              : QStringLiteral("Reading…"));
+}
+
+void AppController::showUnread() {
+    reading_->isLeft = true;
+    showName(reading_->path);
+    cocoaUtils::setStringValue(fileSizeField, nullptr);
+    acceptPath(amdAudioFileTypeOfName(reading_->text));
+    clearFacts();
+    fileIconField->setIcon(unknownFileIcon());
+    finishUpdate();
+    showReading();
+    readingField->show();
+}
+
+void AppController::showRead() {
+    const std::shared_ptr<FileReading> reading = reading_;
+    endReading();
+    if (!reading->isLeft) {
+        showName(reading->path);
+    }
+    cocoaUtils::setStringValue(fileSizeField, panelFileSize(reading->file.attributes));
+    acceptPath(reading->file.type);
+    currentItem = std::move(reading->file.record);
+    if (reading->file.isRead()) {
+        showFacts(reading->cover.get());
+    } else {
+        clearFacts();
+    }
+    const auto* decoded = dynamic_cast<const QtPicture*>(reading->cover.get());
+    if (decoded != nullptr) {
+        fileIconField->setImage(decoded->image());
+    } else {
+        fileIconField->setIcon(reading->icon);
+    }
+    finishUpdate();
+}
+
+/// From here on the record is empty, until the file has been read.
+void AppController::showName(const QString& path) {
     lastPath = path;
     amdReleaseAudioMetaData(&currentItem);
     currentItem = audioTags();
-
     const SvxStringRef text = cocoaUtils::textFromString(path);
     cocoaUtils::setStringValue(fileNameField, feLastPathComponent(text));
     fileNameField->setFixedToolTip(path);
     myWindow->setWindowTitle(asWindowTitle(cocoaUtils::stringFromText(panelWindowTitle(text))));
-    FSRef ref;
-    const HostFileAttributes attributes =
-        feMakeFSRefFromPath(text, &ref) == fileNoErr ? hostFileAttributes(ref.path) : HostFileAttributes();
-    cocoaUtils::setStringValue(fileSizeField, panelFileSize(attributes));
-
-    const bool isAudio = acceptPath(path);
-    // Only regular files are opened: opening a FIFO would wake the program that waits at its other end.
-    if (isAudio && attributes.isRegular && amdGetAudioMetaDataForFile(text, &currentItem) == 0) {
-        showFacts();
-    } else {
-        clearFacts();
-        fileIconField->setIcon(iconForFile(path));
-    }
-    finishUpdate();
-    return isAudio;
-}
-
-bool AppController::acceptPath(const QString& path) {
-    currentItemType = amdAudioFileType(cocoaUtils::textFromString(path));
-    return currentItemType != amdTypeNone;
 }
 
 void AppController::finishUpdate() {
@@ -115,25 +199,14 @@ void AppController::clearFacts() {
     lyricsButton->setEnabled(false);
 }
 
-void AppController::showFacts() {
+void AppController::showFacts(const HostPicture* cover) {
     lyricsButton->setEnabled(hasLyrics(currentItem));
     showLyricsText(panelLyrics(currentItem));
     const PanelFacts facts = panelFacts(currentItem);
     for (const FactField& fact : factFields) {
         cocoaUtils::setStringValue(this->*fact.field, facts.*fact.text);
     }
-    showCover();
-}
-
-void AppController::showCover() {
-    const std::unique_ptr<HostPicture> picture = amdGetCoverArt(currentItem);
-    cocoaUtils::setStringValue(coverArtDetailsField, panelCoverDetails(currentItem, picture.get()));
-    const auto* decoded = dynamic_cast<const QtPicture*>(picture.get());
-    if (decoded != nullptr) {
-        fileIconField->setImage(decoded->image());
-    } else {
-        fileIconField->setIcon(iconForFile(lastPath));
-    }
+    cocoaUtils::setStringValue(coverArtDetailsField, panelCoverDetails(currentItem, cover));
 }
 
 /// Far more than any song has is cut, and a line that is far too long: laying them out would hold the window

@@ -11,15 +11,16 @@ PictureView::PictureView(QWidget* parent) : QWidget(parent) {
 }
 
 void PictureView::setImage(const QImage& image) {
-    image_ = image;
-    icon_ = QIcon();
-    scaled_ = QPixmap();
-    update();
+    show(image, false);
 }
 
-void PictureView::setIcon(const QIcon& icon) {
-    icon_ = icon;
-    image_ = QImage();
+void PictureView::setIcon(const QImage& icon) {
+    show(icon, true);
+}
+
+void PictureView::show(const QImage& image, bool isIcon) {
+    image_ = image;
+    isIcon_ = isIcon;
     scaled_ = QPixmap();
     update();
 }
@@ -29,19 +30,21 @@ QSize PictureView::sizeHint() const {
     return {side, side};
 }
 
+/// In the screen's pixels. An icon keeps a margin and is not enlarged.
 QSize PictureView::drawnSize() const {
-    return (QSizeF(image_.size()).scaled(QSizeF(size()) * devicePixelRatioF(), Qt::KeepAspectRatio))
-        .toSize()
-        .expandedTo({1, 1});
+    constexpr QMargins iconMargins(16, 16, 16, 16);
+    const QSizeF room = QSizeF(isIcon_ ? size().shrunkBy(iconMargins) : size()) * devicePixelRatioF();
+    const QSizeF whole = image_.size();
+    const bool fits = whole.width() <= room.width() && whole.height() <= room.height();
+    const QSizeF drawn = isIcon_ && fits ? whole : whole.scaled(room, Qt::KeepAspectRatio);
+    return drawn.toSize().expandedTo({1, 1});
 }
 
 void PictureView::paintEvent(QPaintEvent* /*event*/) {
-    QPainter painter(this);
     if (image_.isNull()) {
-        constexpr int margin = 16;
-        icon_.paint(&painter, rect().adjusted(margin, margin, -margin, -margin));
         return;
     }
+    QPainter painter(this);
     if (scaled_.size() != drawnSize()) {
         scaled_ =
             QPixmap::fromImage(image_.scaled(drawnSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QIcon>
 #include <QImage>
 #include <QPixmap>
 #include <QWidget>
@@ -16,8 +15,8 @@ public:
     explicit PictureView(QWidget* parent = nullptr);
 
     void setImage(const QImage& image);
-    void setIcon(const QIcon& icon);
-    [[nodiscard]] bool showsImage() const { return !image_.isNull(); }
+    void setIcon(const QImage& icon);
+    [[nodiscard]] bool showsImage() const { return !isIcon_; }
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -25,10 +24,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void show(const QImage& image, bool isIcon);
     [[nodiscard]] QSize drawnSize() const;
 
     QImage image_;
-    QIcon icon_;
+    bool isIcon_ = true;
     QPixmap scaled_; ///< of the image, for the size painted last
 };
 

@@ -2,7 +2,6 @@
 #include "app/shownFile.h"
 #include "app/window/AppController.h"
 #include "app/window/TrayPresence.h"
-#include "app/window/cocoaUtils.h"
 #include "platform/desktop/busSources.h"
 #include "platform/desktop/desktopApplication.h"
 #include "platform/desktop/fileIcon.h"
@@ -11,7 +10,9 @@
 #include "platform/desktop/quitSignals.h"
 
 #include <QApplication>
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -64,11 +65,7 @@ void connectWaysIn(DesktopApplication& desktop, AppController& controller) {
     QObject::connect(&desktop, &DesktopApplication::activated, &controller,
                      [&controller] { controller.applicationShouldHandleReopenHasVisibleWindows(false); });
     QObject::connect(&desktop, &DesktopApplication::openRequested, &controller,
-                     [&controller](const QList<QByteArray>& paths) {
-                         for (const QByteArray& path : paths) {
-                             controller.applicationOpenFile(cocoaUtils::pathText(path));
-                         }
-                     });
+                     [&controller](const QList<QByteArray>& paths) { controller.openFiles(paths); });
     QObject::connect(&desktop, &DesktopApplication::textReceived, &controller,
                      [&controller](const QString& text) {
                          QMimeData pasteboard;
@@ -116,9 +113,8 @@ int run(int argc, char** argv) {
     connectWaysIn(desktop, controller);
     onQuitSignals(QCoreApplication::quit);
     controller.showMainWindow();
-    for (const QByteArray& path : paths) {
-        controller.applicationOpenFile(cocoaUtils::pathText(path));
-    }
+    QMetaObject::invokeMethod(
+        &controller, [&] { controller.openFiles(paths); }, Qt::QueuedConnection);
     return QApplication::exec();
 }
 
@@ -127,5 +123,9 @@ int run(int argc, char** argv) {
 } // namespace sonarin
 
 int main(int argc, char** argv) {
-    return sonarin::run(argc, argv);
+    const int status = sonarin::run(argc, argv);
+    if (!sonarin::SideWork::haveThreadsEnded(std::chrono::milliseconds(20))) {
+        std::_Exit(status); // one hangs, and may come back to what would have been destroyed
+    }
+    return status;
 }

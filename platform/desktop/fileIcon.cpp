@@ -5,16 +5,18 @@
 #include <QMimeDatabase>
 #include <QPainter>
 #include <QPainterPath>
+#include <map>
+#include <mutex>
 
 namespace sonarin {
 
 namespace {
 
 /// A sheet with a note on it, or the program's badge: the note on a round ground.
-QPixmap drawNote(int size, bool onSheet) {
-    QPixmap pixmap(size, size);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
+QImage drawNote(int size, bool onSheet) {
+    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(size / 64.0, size / 64.0);
     painter.setPen(Qt::NoPen);
@@ -39,33 +41,63 @@ QPixmap drawNote(int size, bool onSheet) {
     stems.addPolygon(QPolygonF({{28.4, 18}, {47, 14.5}, {47, 20.5}, {28.4, 24}}));
     stems.setFillRule(Qt::WindingFill);
     painter.drawPath(stems);
-    return pixmap;
+    return image;
 }
 
-QIcon drawnIcon(bool onSheet) {
-    QIcon icon;
-    for (const int size : {16, 32, 64, 128, 256}) {
-        icon.addPixmap(drawNote(size, onSheet));
+constexpr int iconSize = 288; ///< pixels: as the window shows it on a screen of double density
+
+/// The icons that were looked up in one theme.
+class KnownIcons {
+public:
+    QImage icon(const IconTheme& theme, const QString& name) {
+        {
+            const std::lock_guard lock(mutex_);
+            if (theme.names != theme_.names || theme.folders != theme_.folders) {
+                theme_ = theme;
+                icons_.clear();
+            }
+            const auto known = icons_.find(name);
+            if (known != icons_.end()) {
+                return known->second;
+            }
+        }
+        const QImage found = themeIcon(theme, name, iconSize); // may hang
+        const std::lock_guard lock(mutex_);
+        icons_.emplace(name, found);
+        return found;
     }
-    return icon;
-}
+
+private:
+    std::mutex mutex_; ///< guards the following
+    IconTheme theme_;
+    std::map<QString, QImage> icons_;
+};
 
 } // namespace
 
-QIcon iconForFile(const QString& path) {
-    static const QMimeDatabase types;
-    const QMimeType type = types.mimeTypeForFile(QFileInfo(path), QMimeDatabase::MatchExtension);
+QImage iconForFile(const QString& path, const IconTheme& theme) {
+    const QMimeType type = QMimeDatabase().mimeTypeForFile(QFileInfo(path), QMimeDatabase::MatchExtension);
+    static KnownIcons known;
     for (const QString& name : {type.iconName(), type.genericIconName()}) {
-        if (QIcon::hasThemeIcon(name)) {
-            return QIcon::fromTheme(name);
+        QImage icon = known.icon(theme, name);
+        if (!icon.isNull()) {
+            return icon;
         }
     }
-    static const QIcon own = drawnIcon(true);
-    return own;
+    return unknownFileIcon();
+}
+
+QImage unknownFileIcon() {
+    static const QImage sheet = drawNote(iconSize, true);
+    return sheet;
 }
 
 QIcon programIcon() {
-    return QIcon::fromTheme(QStringLiteral("org.sonarin.Sonarin"), drawnIcon(false));
+    QIcon drawn;
+    for (const int size : {16, 32, 64, 128, 256}) {
+        drawn.addPixmap(QPixmap::fromImage(drawNote(size, false)));
+    }
+    return QIcon::fromTheme(QStringLiteral("org.sonarin.Sonarin"), drawn);
 }
 
 } // namespace sonarin

@@ -33,6 +33,7 @@ protected:
         controller->updateValuesForNewPath(QString());
         controller->lastPath = QString();
         controller->updateValuesForNewPath(pathOf(path));
+        waitForFile(*controller);
         return path;
     }
     static std::string text(const char* id, const std::string& value) {

@@ -8,6 +8,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QElapsedTimer>
 #include <csignal>
 #include <filesystem>
 #include <memory>
@@ -143,11 +144,10 @@ protected:
 
 TEST_F(OnTheBus, FollowsTheTrackPlaying) {
     controller.useCurrentiTunesSongForSync();
-    BusProgram first({QStringLiteral("org.mpris.MediaPlayer2.first")});
+    BusProgram first({"org.mpris.MediaPlayer2.first"});
     first.play(song("one"));
     EXPECT_TRUE(shows("one"));
-    BusProgram second({QStringLiteral("org.mpris.MediaPlayer2.second"),
-                       QStringLiteral("org.mpris.MediaPlayer2.second.instance7")});
+    BusProgram second({"org.mpris.MediaPlayer2.second", "org.mpris.MediaPlayer2.second.instance7"});
     second.play(song("two"), QStringLiteral("Paused"));
     runFor(500);
     EXPECT_TRUE(shows("one")); // playing comes before paused
@@ -166,38 +166,32 @@ TEST_F(OnTheBus, FollowsTheTrackPlaying) {
 
 TEST_F(OnTheBus, FollowsARealPlayer) {
     controller.useCurrentiTunesSongForSync();
-    QProcess mpv;
-    mpv.setStandardOutputFile(QProcess::nullDevice());
-    mpv.setStandardErrorFile(QProcess::nullDevice());
-    mpv.start(QStringLiteral("mpv"),
-              {QStringLiteral("--no-config"), QStringLiteral("--no-video"), QStringLiteral("--ao=null"),
-               QStringLiteral("--loop=inf"), QStringLiteral("--script=/usr/lib/mpv-mpris/mpris.so"),
-               QStringLiteral(SONARIN_SAMPLES "/sample.m4a")});
+    const ChildProcess mpv({"mpv", "--no-config", "--no-video", "--ao=null", "--loop=inf", "--really-quiet",
+                            "--script=/usr/lib/mpv-mpris/mpris.so", SONARIN_SAMPLES "/sample.m4a"},
+                           ChildProcess::Errors::hidden);
     EXPECT_TRUE(waitFor([&] { return controller.fileNameField->text() == "sample.m4a"; }, 20000));
     EXPECT_EQ(controller.id3SongTitleField->text(), "Prélude in One Second");
-    mpv.terminate();
-    mpv.waitForFinished();
 }
 
 TEST_F(OnTheBus, BearsPlayersThatSayNonsense) {
     controller.useCurrentiTunesSongForSync();
-    BusProgram bad({QStringLiteral("org.mpris.MediaPlayer2.bad")});
+    BusProgram bad({"org.mpris.MediaPlayer2.bad"});
     for (const char* line : {"ai Metadata", "as PlaybackStatus a b", "ai PlaybackStatus"}) {
         bad.tell(QLatin1StringView(line));
         runFor(250);
     }
-    BusProgram good({QStringLiteral("org.mpris.MediaPlayer2.good")});
+    BusProgram good({"org.mpris.MediaPlayer2.good"});
     good.play(song("good"));
     EXPECT_TRUE(shows("good"));
 }
 
 TEST_F(OnTheBus, IsNotHeldUpByAPlayerThatHangs) {
     controller.useCurrentiTunesSongForSync();
-    BusProgram frozen({QStringLiteral("org.mpris.MediaPlayer2.frozen")});
+    BusProgram frozen({"org.mpris.MediaPlayer2.frozen"});
     frozen.play(song("frozen"));
     EXPECT_TRUE(shows("frozen"));
     frozen.signal(SIGSTOP);
-    BusProgram other({QStringLiteral("org.mpris.MediaPlayer2.other")});
+    BusProgram other({"org.mpris.MediaPlayer2.other"});
     other.play(song("other"), QStringLiteral("Paused"));
     EXPECT_TRUE(shows("other")); // an answer that does not come does not count
     frozen.signal(SIGCONT);
@@ -205,8 +199,8 @@ TEST_F(OnTheBus, IsNotHeldUpByAPlayerThatHangs) {
 }
 
 TEST_F(OnTheBus, FollowsPublishedSelections) {
-    BusProgram old({QStringLiteral("org.sonarin.Selection1.FileManager.old")});
-    BusProgram fresh({QStringLiteral("org.sonarin.Selection1.FileManager.fresh")});
+    BusProgram old({"org.sonarin.Selection1.FileManager.old"});
+    BusProgram fresh({"org.sonarin.Selection1.FileManager.fresh"});
     const std::string one = song("one");
     const std::string two = song("two");
     old.select({fileUri(one)}, 10);
@@ -218,7 +212,7 @@ TEST_F(OnTheBus, FollowsPublishedSelections) {
     old.select({fileUri(one)}, 30);
     EXPECT_TRUE(shows("one"));
 
-    BusProgram player({QStringLiteral("org.sonarin.Selection1.Player.p")});
+    BusProgram player({"org.sonarin.Selection1.Player.p"});
     player.select({QStringLiteral("http://radio.example/"), fileUri(two)}, 1);
     controller.useiTunesSelectionForSync();
     EXPECT_TRUE(shows("two"));
@@ -229,8 +223,8 @@ TEST_F(OnTheBus, AsksTwoProgramsATick) {
     std::vector<std::unique_ptr<BusProgram>> programs;
     const std::string one = song("one");
     for (int i = 0; i < 6; ++i) {
-        const QString name = QStringLiteral("org.sonarin.Selection1.FileManager.p%1").arg(i);
-        programs.push_back(std::make_unique<BusProgram>(QStringList{name}));
+        const std::vector<std::string> name = {"org.sonarin.Selection1.FileManager.p" + std::to_string(i)};
+        programs.push_back(std::make_unique<BusProgram>(name));
         programs.back()->select({fileUri(i == 3 ? one : song(std::to_string(i)))}, i == 3 ? 100 : i);
     }
     EXPECT_TRUE(shows("one"));
@@ -260,7 +254,7 @@ TEST_F(OnTheBus, SaysWhatItFollows) {
     };
     EXPECT_EQ(controller.followStatusField->text(), ""); // not before anybody could have answered
     EXPECT_TRUE(says("No file manager tells its selection: <a href=\"connect\">connect…</a>"));
-    BusProgram files({QStringLiteral("org.sonarin.Selection1.FileManager.f")});
+    BusProgram files({"org.sonarin.Selection1.FileManager.f"});
     files.tell(QStringLiteral("s Program <b>Files & more"));
     files.select({}, 1);
     EXPECT_TRUE(says("&lt;b&gt;Files &amp; more, nothing selected"));
@@ -275,7 +269,7 @@ TEST_F(OnTheBus, SaysWhatItFollows) {
     EXPECT_TRUE(says("The file manager does not answer"));
     controller.useCurrentiTunesSongForSync();
     EXPECT_TRUE(says("No player is running"));
-    BusProgram player({QStringLiteral("org.mpris.MediaPlayer2.vlc.instance7")});
+    BusProgram player({"org.mpris.MediaPlayer2.vlc.instance7"});
     player.play(song("two"));
     EXPECT_TRUE(says("vlc, playing"));
     player.play(song("two"), QStringLiteral("Paused"));
@@ -333,7 +327,7 @@ TEST_F(OnTheBus, GoesOnWhenTheBusIsBack) {
     TestBus::stop();
     runFor(500);
     TestBus::start();
-    BusProgram player({QStringLiteral("org.mpris.MediaPlayer2.p")});
+    BusProgram player({"org.mpris.MediaPlayer2.p"});
     player.play(song("back"));
     EXPECT_TRUE(shows("back"));
 }

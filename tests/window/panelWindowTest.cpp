@@ -28,7 +28,11 @@ protected:
         controller = std::make_unique<AppController>(&sources, &defaults);
     }
 
-    bool show(const std::string& path) { return controller->updateValuesForNewPath(pathOf(path)); }
+    bool show(const std::string& path) {
+        const bool isAudio = controller->updateValuesForNewPath(pathOf(path));
+        waitForFile(*controller);
+        return isAudio;
+    }
     bool showFile(const std::string& name, const std::string& content) {
         return show(folder.write(name, content));
     }

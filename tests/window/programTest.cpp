@@ -3,71 +3,40 @@
 
 #include <gtest/gtest.h>
 
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-#include <QDBusReply>
+#include <csignal>
 
 namespace sonarin {
 
 namespace {
 
-/// The program itself, as a user starts it.
-class Program {
-public:
-    explicit Program(const QStringList& arguments) {
-        process.start(QStringLiteral(SONARIN_PROGRAM), arguments);
-    }
-    ~Program() {
-        process.kill();
-        process.waitForFinished();
-    }
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-
-    QProcess process;
-};
-
-bool isOnTheBus() {
-    const QDBusConnection bus =
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("look"));
-    const bool isThere = bus.interface()->isServiceRegistered(QStringLiteral("org.sonarin.Sonarin"));
-    QDBusConnection::disconnectFromBus(QStringLiteral("look"));
-    return isThere;
-}
-
 TEST(Program, ASecondStartHandsOverToTheFirst) {
-    Program first({});
+    ChildProcess first({SONARIN_PROGRAM});
     ASSERT_TRUE(waitFor(isOnTheBus, 20000));
-    Program second({QStringLiteral(SONARIN_SAMPLES "/sample.mp3")});
-    ASSERT_TRUE(second.process.waitForFinished(10000));
-    EXPECT_EQ(second.process.exitCode(), 0);
-    EXPECT_EQ(first.process.state(), QProcess::Running);
-    first.process.terminate(); // as the end of a session does
-    ASSERT_TRUE(first.process.waitForFinished(10000));
-    EXPECT_EQ(first.process.exitStatus(), QProcess::NormalExit);
+    ChildProcess second({SONARIN_PROGRAM, SONARIN_SAMPLES "/sample.mp3"});
+    ASSERT_TRUE(second.hasEnded(10000));
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_FALSE(first.hasEnded(0));
+    first.signal(SIGTERM); // as the end of a session does
+    ASSERT_TRUE(first.hasEnded(10000));
+    EXPECT_EQ(first.exitCode(), 0);
     EXPECT_TRUE(UserDefaults().value(QStringLiteral("windowGeometry")).isValid());
 }
 
 TEST(Program, RunsWithoutABus) {
     const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
-    Program alone({QStringLiteral(SONARIN_SAMPLES "/sample.mp3")});
+    ChildProcess alone({SONARIN_PROGRAM, SONARIN_SAMPLES "/sample.mp3"});
     qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    EXPECT_FALSE(alone.process.waitForFinished(1500));
-    EXPECT_EQ(alone.process.state(), QProcess::Running);
+    EXPECT_FALSE(alone.hasEnded(1500));
 }
 
 TEST(Program, SaysSoWithoutADisplay) {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-        environment.remove(QLatin1StringView(name));
-    }
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(SONARIN_PROGRAM), QStringList());
-    ASSERT_TRUE(process.waitForFinished(10000));
+    ChildProcess process(
+        {"env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY", "-u", "QT_QPA_PLATFORM", SONARIN_PROGRAM},
+        ChildProcess::Errors::asOutput);
+    ASSERT_TRUE(process.hasEnded(10000));
     EXPECT_EQ(process.exitCode(), 1);
-    EXPECT_TRUE(process.readAllStandardError().contains("display"));
+    EXPECT_NE(process.read().find("display"), std::string::npos);
 }
 
 } // namespace

@@ -7,23 +7,31 @@
 #include "tests/support/sampleBytes.h"
 
 #include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QThread>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <vector>
 
 namespace sonarin {
 
 namespace {
 
-std::unique_ptr<QProcess> daemon;
+std::unique_ptr<ChildProcess> daemon;
 std::string programFolder; // NOLINT
+
+std::vector<std::string> commandLine(const std::string& program, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), program);
+    return arguments;
+}
 
 void installScript(const TestFolder& home, const std::string& name, const std::string& entry) {
     const std::string script =
@@ -52,45 +60,50 @@ void runFor(int milliseconds) {
     (void)waitFor([] { return false; }, milliseconds);
 }
 
+void waitForFile(const AppController& controller) {
+    (void)waitFor([&] { return controller.readingField->isHidden(); }, 30000);
+}
+
 void TestBus::start() {
     static const TestFolder folder;
     const QByteArray address = "unix:path=" + QByteArray::fromStdString(folder.path("bus"));
     QFile::remove(QString::fromStdString(folder.path("bus")));
     qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    daemon = std::make_unique<QProcess>();
-    daemon->setStandardErrorFile(QProcess::nullDevice());
-    daemon->start(QStringLiteral("dbus-daemon"),
-                  {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
-                   QStringLiteral("--print-address"),
-                   QStringLiteral("--address=") + QString::fromLatin1(address)});
-    if (!daemon->waitForReadyRead(10000)) {
+    daemon = std::make_unique<ChildProcess>(std::vector<std::string>{"dbus-daemon", "--session", "--nofork",
+                                                                     "--nopidfile", "--print-address",
+                                                                     "--address=" + address.toStdString()},
+                                            ChildProcess::Errors::hidden);
+    if (daemon->read().empty()) {
         throw std::runtime_error("dbus-daemon does not start");
     }
 }
 
 void TestBus::stop() {
-    daemon->kill();
-    daemon->waitForFinished();
     daemon.reset();
 }
 
-BusProgram::BusProgram(const QStringList& names) {
-    process_.start(QStringLiteral(SONARIN_PUBLISHER), names);
-    if (!process_.waitForReadyRead(10000)) {
-        throw std::runtime_error("the publisher does not start");
-    }
-    process_.readAll();
+void TestBus::signal(int number) {
+    daemon->signal(number);
 }
 
-BusProgram::~BusProgram() {
-    process_.kill();
-    process_.waitForFinished();
+bool isOnTheBus() {
+    const QDBusConnection bus =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("look"));
+    const bool isThere = bus.interface()->isServiceRegistered(QStringLiteral("org.sonarin.Sonarin"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("look"));
+    return isThere;
+}
+
+BusProgram::BusProgram(const std::vector<std::string>& names)
+    : process_(commandLine(SONARIN_PUBLISHER, names)) {
+    if (process_.read().empty()) {
+        throw std::runtime_error("the publisher does not start");
+    }
 }
 
 void BusProgram::tell(const QString& line) {
-    process_.write(line.toUtf8() + '\n');
-    process_.waitForReadyRead(10000);
-    process_.readAll();
+    process_.write(line.toStdString() + '\n');
+    (void)process_.read();
 }
 
 void BusProgram::play(const std::string& path, const QString& status) {
@@ -105,12 +118,7 @@ void BusProgram::select(const QStringList& uris, int activeSince) {
 
 int BusProgram::timesAsked() {
     process_.write("asked\n");
-    process_.waitForReadyRead(10000);
-    return process_.readAll().simplified().toInt();
-}
-
-void BusProgram::signal(int number) const {
-    kill(static_cast<pid_t>(process_.processId()), number);
+    return std::stoi(process_.read());
 }
 
 void installPrograms(const TestFolder& home) {

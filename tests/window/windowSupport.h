@@ -2,12 +2,13 @@
 #pragma once
 
 #include "app/window/AppController.h"
+#include "tests/support/childProcess.h"
 #include "tests/support/testFolder.h"
 
-#include <QProcess>
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <vector>
 
 /// What the tests of the window share: a bus of their own, programs on it, and a controller with real
 /// widgets.
@@ -18,31 +19,35 @@ bool waitFor(const std::function<bool()>& condition, int milliseconds = 5000);
 /// Runs the event loop for that time.
 void runFor(int milliseconds);
 
+/// Waits until the file chosen last has been read, which a busy machine may leave to go on by itself.
+void waitForFile(const AppController& controller);
+
 /// The session bus of this test program. The address stays the same when it is started again.
 class TestBus {
 public:
     static void start();
     static void stop();
+    static void signal(int number);
 };
+
+/// Whether a Sonarin is on the bus.
+bool isOnTheBus();
 
 /// Another program on the bus, under one or more names.
 class BusProgram {
 public:
-    explicit BusProgram(const QStringList& names);
-    ~BusProgram();
-    BusProgram(const BusProgram&) = delete;
-    BusProgram& operator=(const BusProgram&) = delete;
+    explicit BusProgram(const std::vector<std::string>& names);
 
     /// Tells it a property, in the words of tools/publisher.cpp.
     void tell(const QString& line);
     void play(const std::string& path, const QString& status = QStringLiteral("Playing"));
     void select(const QStringList& uris, int activeSince);
-    void signal(int number) const;
+    void signal(int number) const { process_.signal(number); }
     /// How often it was asked for its properties so far.
     int timesAsked();
 
 private:
-    QProcess process_;
+    ChildProcess process_;
 };
 
 /// Answers what the test says.

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/shownFile.h"
+#include "platform/desktop/iconTheme.h"
+
+#include <QImage>
+#include <QString>
+#include <memory>
+
+namespace sonarin {
+
+/// One file on its way into the panel. It is read beside the window (see SideWork): until that has ended only
+/// `path` and `progress` are the window's to look at; from then on all of it is, and it has no other owner.
+struct FileReading {
+    explicit FileReading(QString shownPath);
+    FileReading(const FileReading&) = delete;
+    FileReading& operator=(const FileReading&) = delete;
+
+    /// Reads the file and decodes its cover. For the other thread.
+    void run();
+
+    const QString path;      ///< its bytes that are no UTF-8 as U+DC80 to U+DCFF
+    const SvxStringRef text; ///< the same
+    const IconTheme theme = IconTheme::current();
+    ReadProgress progress;
+
+    ShownFile file;
+    std::unique_ptr<HostPicture> cover;
+    QImage icon; ///< where there is no cover
+
+    // The window's alone.
+    bool hasEnded = false;
+    bool isLeft = false; ///< goes on by itself, while the panel shows its name and no facts
+};
+
+} // namespace sonarin
