@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/desktop/sideWork.h"
+
 #include <QDBusConnection>
 #include <QObject>
 #include <QTimer>
@@ -30,11 +32,14 @@ signals:
 private:
     void connectAnew();
     void watch();
+    void takeAnswer(bool isThere);
 
     QDBusConnection connection_;
     int opened_ = 0;
     bool wasConnected_ = false;
+    bool isAsking_ = false;
     QTimer retry_;
+    SideWork sideWork_;
 };
 
 } // namespace sonarin

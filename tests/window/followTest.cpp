@@ -332,6 +332,26 @@ TEST_F(OnTheBus, GoesOnWhenTheBusIsBack) {
     EXPECT_TRUE(shows("back"));
 }
 
+/// A bus that takes connections and does not answer must not hold the window up.
+TEST_F(OnTheBus, WaitsForABusThatHangsBesideTheWindow) {
+    controller.useCurrentiTunesSongForSync();
+    TestBus::stop();
+    TestBus::start();
+    TestBus::signal(SIGSTOP);
+    qint64 longest = 0;
+    QElapsedTimer pause;
+    for (int i = 0; i < 350; ++i) {
+        pause.start();
+        runFor(10);
+        longest = std::max(longest, pause.elapsed());
+    }
+    EXPECT_LT(longest, 1000);
+    TestBus::signal(SIGCONT);
+    BusProgram player({"org.mpris.MediaPlayer2.p"});
+    player.play(song("back"));
+    EXPECT_TRUE(shows("back"));
+}
+
 TEST_F(Following, TheRunningProgramTakesOver) {
     SessionBus bus;
     DesktopApplication running(&bus, QStringLiteral("org.sonarin.Test"));
