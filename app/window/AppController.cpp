@@ -349,7 +349,7 @@ void AppController::openNext() {
     applicationOpenFile(cocoaUtils::pathText(QByteArray(toOpen_.first())));
     toOpen_.removeFirst();
     if (!toOpen_.isEmpty()) {
-        QMetaObject::invokeMethod(this, &AppController::openNext, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, "openNext", Qt::QueuedConnection);
     }
 }
 

@@ -171,6 +171,9 @@ public:
     /// The sources to follow, as they are stored.
     enum SyncKind : std::int32_t { finderSelection = 5, iTunesSelection = 6, iTunesCurrentSong = 7 };
 
+private slots:
+    void openNext();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -185,7 +188,6 @@ private:
     void startFollowing();
     [[nodiscard]] SelectionSources::Question question() const;
     [[nodiscard]] SelectionSources::Paths querySource();
-    void openNext();
     void startReading(const QString& path);
     void endReading();
     void showReading();

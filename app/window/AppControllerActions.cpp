@@ -89,12 +89,10 @@ void AppController::withShownItem(const std::function<void(const std::string& pa
             look->path.clear();
         }
     };
-    const auto done = [this, look, then] {
+    const auto done = [look, then] {
         look->isOver = true;
         if (look->isLate) {
-            // Not from here: an alert stays until it is dismissed.
-            QMetaObject::invokeMethod(
-                this, [look, then] { then(look->path); }, Qt::QueuedConnection);
+            then(look->path);
         }
     };
     sideWork_.start(look->path, work, done);

@@ -16,6 +16,7 @@ struct FileReading {
     explicit FileReading(QString shownPath);
     FileReading(const FileReading&) = delete;
     FileReading& operator=(const FileReading&) = delete;
+    ~FileReading() = default;
 
     /// Reads the file and decodes its cover. For the other thread.
     void run();

@@ -61,7 +61,7 @@ public:
                 return known->second;
             }
         }
-        const QImage found = themeIcon(theme, name, iconSize); // may hang
+        QImage found = themeIcon(theme, name, iconSize); // may hang
         const std::lock_guard lock(mutex_);
         icons_.emplace(name, found);
         return found;

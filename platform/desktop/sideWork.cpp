@@ -64,7 +64,7 @@ struct SideWork::Shared {
     std::condition_variable hasEnded;
     std::deque<JobRef> waiting;
     std::vector<JobRef> running;
-    std::vector<JobRef> ended; ///< whose `done` is to be called
+    std::deque<JobRef> ended; ///< whose `done` is to be called
     std::size_t threads = 0;
     std::size_t idleThreads = 0;
     bool isClosed = false;
@@ -166,20 +166,22 @@ void SideWork::runThread(const std::shared_ptr<Shared>& shared) {
     threadCount().add(-1);
 }
 
+/// One at a time: the window may stay in what is called, as in an alert, and take the next from there.
 void SideWork::takeEnded() {
-    eventfd_t ignored = 0;
-    (void)eventfd_read(shared_->wake.get(), &ignored);
-    std::vector<std::function<void()>> done;
+    std::function<void()> done;
     {
         const std::lock_guard lock(shared_->mutex);
-        for (const JobRef& job : std::exchange(shared_->ended, {})) {
-            done.push_back(std::exchange(job->done, nullptr));
+        if (!shared_->ended.empty()) {
+            done = std::exchange(shared_->ended.front()->done, nullptr);
+            shared_->ended.pop_front();
+        }
+        if (shared_->ended.empty()) {
+            eventfd_t ignored = 0;
+            (void)eventfd_read(shared_->wake.get(), &ignored);
         }
     }
-    for (const auto& call : done) {
-        if (call) {
-            call();
-        }
+    if (done) {
+        done();
     }
     emit ended();
 }
@@ -207,7 +209,9 @@ bool SideWork::waitUntil(const std::function<bool()>& condition, Patience patien
             loop.quit();
         }
     });
-    QTimer::singleShot(withEvents, &loop, &QEventLoop::quit);
+    QTimer limit;
+    limit.callOnTimeout(&loop, &QEventLoop::quit);
+    limit.start(withEvents);
     isWaiting_ = true;
     loop.exec();
     isWaiting_ = false;

@@ -219,6 +219,24 @@ TEST_F(SlowDisk, DoesNotWaitForRenamesAndEditors) {
     disk.answer();
     EXPECT_EQ(calledWith("tagger"), "--edit\n" + edited + '\n');
     EXPECT_TRUE(waitFor([&] { return disk.has("new.mp3"); }));
+    disk.hangAgain();
+
+    // An alert that comes late does not stop what comes later.
+    controller->editWithID3X();
+    const std::string hanging = disk.song("hang-read.mp3", "read");
+    show(hanging);
+    bool isReadMeanwhile = false;
+    QTimer look;
+    look.callOnTimeout([&] {
+        QWidget* alert = QApplication::activeModalWidget();
+        if (alert != nullptr && shows("read")) {
+            isReadMeanwhile = true;
+            alert->close();
+        }
+    });
+    look.start(50);
+    disk.answer();
+    EXPECT_TRUE(waitFor([&] { return isReadMeanwhile; }));
 }
 
 TEST_F(SlowDisk, OpensManyFilesOneAfterTheOther) {
