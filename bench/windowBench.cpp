@@ -4,7 +4,9 @@
 #include "app/window/cocoaUtils.h"
 #include "platform/desktop/busSources.h"
 #include "platform/desktop/qtPicture.h"
+#include "platform/desktop/sideWork.h"
 #include "tests/support/sampleBytes.h"
+#include "tests/window/slowDisk.h"
 #include "tests/window/windowSupport.h"
 
 #include <QApplication>
@@ -14,10 +16,14 @@
 #include <QProcess>
 #include <QWindow>
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
+#include <functional>
 #include <random>
+#include <thread>
 
 namespace {
 
@@ -44,16 +50,20 @@ std::string picture() {
     return content.toStdString();
 }
 
-/// From the new path to the painted widgets, and the engine's share of it.
-void measureUpdates(const TestFolder& folder) {
-    const std::string cover = picture();
-    const std::string frames = sample::id3Frame("TIT2", sample::bytes("\0Title")) +
-                               sample::id3Frame("TPE1", sample::bytes("\0Artist")) +
-                               sample::id3Frame("APIC", sample::bytes("\0image/jpeg\0\3\0") + cover);
-    std::vector<QString> paths;
-    for (int i = 0; i < 200; ++i) {
-        paths.push_back(pathOf(
-            folder.write(std::to_string(i) + ".mp3", sample::id3Tag(frames) + sample::mpegAudio(200000))));
+double millisecondsOf(const std::function<void()>& work) {
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+/// From the new path to the filled panel and to the painted widgets, the engine's share of it, and what it
+/// takes to have the file read beside the window.
+void measureUpdates(const TestFolder& folder, const char* kind, const std::string& cover) {
+    std::string frames = sample::id3Frame("TIT2", sample::bytes("\0Title")) +
+                         sample::id3Frame("TPE1", sample::bytes("\0Artist"));
+    if (!cover.empty()) {
+        frames += sample::id3Frame("APIC", sample::bytes("\0image/jpeg\0\3\0") + cover);
     }
     FixedSources sources;
     UserDefaults defaults;
@@ -61,21 +71,96 @@ void measureUpdates(const TestFolder& folder) {
     controller.gUpdateTimer->stop();
     controller.showMainWindow();
     runFor(100);
-    std::vector<double> whole;
+    SideWork sideWork;
+    std::vector<double> filled;
+    std::vector<double> painted;
     std::vector<double> engine;
-    QElapsedTimer timer;
-    for (const QString& path : paths) {
-        timer.start();
-        controller.updateValuesForNewPath(path);
-        controller.myWindow->grab(); // paints what has changed
-        whole.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
-        audioTags record;
-        timer.start();
-        (void)amdGetAudioMetaDataForFile(cocoaUtils::textFromString(path), &record);
-        engine.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    std::vector<double> handed;
+    for (int i = 0; i < 200; ++i) {
+        const QString path = pathOf(folder.write(kind + std::to_string(i) + ".mp3",
+                                                 sample::id3Tag(frames) + sample::mpegAudio(200000)));
+        filled.push_back(millisecondsOf([&] { controller.updateValuesForNewPath(path); }));
+        painted.push_back(filled.back() + millisecondsOf([&] { controller.myWindow->grab(); }));
+        engine.push_back(millisecondsOf([&] {
+            audioTags record;
+            (void)amdGetAudioMetaDataForFile(cocoaUtils::textFromString(path), &record);
+        }));
+        bool isDone = false;
+        handed.push_back(millisecondsOf([&] {
+            sideWork.start(
+                path.toStdString(), [] {}, [&] { isDone = true; });
+            sideWork.waitUntil([&] { return isDone; });
+        }));
     }
-    std::printf("update, with a cover of %zu KB: %.2f ms median, of which the engine's read %.2f ms\n",
-                cover.size() / 1000, median(whole), median(engine));
+    std::printf(
+        "update, %s: %.2f ms to the filled panel (median), %.2fx what it takes without another thread; "
+        "painted after %.2f ms; the engine reads for %.2f ms\n",
+        kind, median(filled), median(filled) / (median(filled) - median(handed)), median(painted),
+        median(engine));
+}
+
+/// How long the window takes to answer, and the next quick file to be shown, while one file after the other
+/// hangs.
+void measureHanging(const TestFolder& folder) {
+    const SlowDisk disk;
+    if (!disk.isThere()) {
+        std::puts("hanging disk: NOT MEASURED, FUSE does not work here");
+        return;
+    }
+    FixedSources sources;
+    UserDefaults defaults;
+    AppController controller(&sources, &defaults);
+    controller.showMainWindow();
+    QObject window;
+    double longestAnswer = 0;
+    std::atomic<bool> isOver = false;
+    // Asks as the display or another program does: from outside, at any time.
+    std::thread asker([&] {
+        while (!isOver) {
+            const auto asked = std::chrono::steady_clock::now();
+            const auto answer = [&longestAnswer, asked] {
+                const std::chrono::duration<double, std::milli> time =
+                    std::chrono::steady_clock::now() - asked;
+                longestAnswer = std::max(longestAnswer, time.count());
+            };
+            QMetaObject::invokeMethod(&window, answer, Qt::QueuedConnection);
+            std::this_thread::sleep_for(std::chrono::milliseconds(3));
+        }
+    });
+    std::mt19937 random(1);
+    std::vector<double> shown;
+    const char* const names[] = {"hang-stat-", "hang-open-", "hang-read-"};
+    for (int i = 0; i < 100; ++i) {
+        const std::string number = std::to_string(i);
+        const QString hanging = pathOf(disk.song(names[i % 3] + number + ".mp3", "late"));
+        const QString quick = pathOf(folder.write("quick" + number + ".mp3", songFile(number)));
+        QTimer::singleShot(0, &controller, [&] { controller.updateValuesForNewPath(hanging); });
+        runFor(static_cast<int>(random() % 150));
+        QElapsedTimer chosen;
+        chosen.start();
+        bool isChosen = false;
+        QTimer::singleShot(0, &controller, [&] {
+            controller.updateValuesForNewPath(quick);
+            isChosen = true;
+        });
+        waitFor([&] {
+            return isChosen && controller.id3SongTitleField->text() == QString::fromStdString(number);
+        });
+        shown.push_back(static_cast<double>(chosen.nsecsElapsed()) / 1e6);
+        if (i % 10 == 9) {
+            disk.answer(); // now and then
+            runFor(50);
+            disk.hangAgain();
+        }
+    }
+    isOver = true;
+    asker.join();
+    runFor(20);
+    std::printf(
+        "hanging disk, 100 files: the window answers within %.0f ms, the next quick file is shown within "
+        "%.0f ms (median %.0f)\n",
+        longestAnswer, *std::max_element(shown.begin(), shown.end()), median(shown));
+    disk.answer();
 }
 
 double startMilliseconds(const QString& program, const QString& argument) {
@@ -190,7 +275,9 @@ int main(int argc, char** argv) {
     TestBus::start();
     const QApplication application(argc, argv);
     decodePicturesWithQt();
-    measureUpdates(folder);
+    measureUpdates(folder, "a cover of 71 KB", picture());
+    measureUpdates(folder, "no cover", "");
+    measureHanging(folder);
     measureStart();
     measureFollowing(folder);
     TestBus::stop();

@@ -4,6 +4,7 @@
 #include "platform/desktop/fileIcon.h"
 #include "platform/desktop/qtPicture.h"
 #include "tests/support/sampleBytes.h"
+#include "tests/window/slowDisk.h"
 #include "tests/window/windowSupport.h"
 
 #include <QApplication>
@@ -72,5 +73,9 @@ int main(int argc, char** argv) {
     isDone = take("dark") && isDone;
     controller.updateValuesForNewPath(pathOf(folder.write("long.mp3", longTexts())));
     isDone = take("long") && isDone;
+    const SlowDisk disk;
+    controller.updateValuesForNewPath(pathOf(disk.song("hang-read.mp3", "")));
+    isDone = take("reading") && isDone;
+    disk.answer();
     return isDone ? 0 : 1;
 }

@@ -134,7 +134,7 @@ public:
     ValueLabel* id3DurationField = nullptr;
     ValueLabel* id3BitrateEtcField = nullptr;
     ValueLabel* id3SongTitleField = nullptr;
-    QLabel* readingField = nullptr;
+    ValueLabel* readingField = nullptr;
     ValueLabel* id3ArtistField = nullptr;
     ValueLabel* id3AlbumField = nullptr;
     ValueLabel* id3YearField = nullptr;

@@ -133,9 +133,9 @@ void AppController::showReading() {
     if (size > 0) {
         cocoaUtils::setStringValue(fileSizeField, panelFileSize({true, reading_->progress.size}));
     }
-    readingField->setText(position > 0 && position < size
-                              ? QStringLiteral("Reading… %1%").arg(static_cast<int>(100 * position / size))
-                              : QStringLiteral("Reading…"));
+    readingField->setValue(position > 0 && position < size
+                               ? QStringLiteral("Reading… %1%").arg(static_cast<int>(100 * position / size))
+                               : QStringLiteral("Reading…"));
 }
 
 void AppController::showUnread() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Files on a disk that does not answer, or late.
-#include "tests/support/sampleBytes.h"
+#include "tests/window/slowDisk.h"
+
 #include "tests/window/windowSupport.h"
 
 #include <gtest/gtest.h>
@@ -11,8 +12,6 @@
 #include <csignal>
 #include <filesystem>
 #include <memory>
-#include <sys/mount.h>
-#include <sys/stat.h>
 #include <vector>
 
 namespace sonarin {
@@ -21,57 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The folder "disk" of the test's own, seen through tests/support/slow_disk.py.
-class Disk {
-public:
-    Disk() {
-        fs::create_directory(folder_.path("disk"));
-        fs::create_directory(folder_.path("mounted"));
-        const dev_t before = device();
-        server_ = std::make_unique<ChildProcess>(
-            std::vector<std::string>{SONARIN_SLOW_DISK, folder_.path("disk"), folder_.path("mounted")});
-        isThere_ = waitFor([&] { return device() != before || server_->hasEnded(0); }, 10000) &&
-                   !server_->hasEnded(0);
-    }
-    /// What hangs on it ends with it.
-    ~Disk() {
-        server_.reset();
-        ChildProcess unmount({"fusermount3", "-uz", folder_.path("mounted")}, ChildProcess::Errors::hidden);
-        unmount.hasEnded(5000);
-    }
-    Disk(const Disk&) = delete;
-    Disk& operator=(const Disk&) = delete;
-
-    [[nodiscard]] bool isThere() const { return isThere_; }
-    /// Puts a file onto the disk; answers its path there.
-    [[nodiscard]] std::string write(const std::string& name, const std::string& content) const {
-        (void)folder_.write("disk/" + name, content);
-        return folder_.path("mounted/" + name);
-    }
-    [[nodiscard]] std::string song(const std::string& name, const std::string& title) const {
-        return write(name, songFile(title, "Ann"));
-    }
-    [[nodiscard]] bool has(const std::string& name) const { return fs::exists(folder_.path("disk/" + name)); }
-    void replace(const std::string& name, const std::string& by) const {
-        fs::rename(folder_.path("disk/" + by), folder_.path("disk/" + name));
-    }
-    /// Whatever hangs goes on.
-    void answer() const { (void)folder_.write("disk/answer", ""); }
-    void hangAgain() const { fs::remove(folder_.path("disk/answer")); }
-
-private:
-    [[nodiscard]] dev_t device() const {
-        struct stat status {};
-        stat(folder_.path("mounted").c_str(), &status);
-        return status.st_dev;
-    }
-
-    TestFolder folder_;
-    std::unique_ptr<ChildProcess> server_;
-    bool isThere_ = false;
-};
-
-class SlowDisk : public testing::Test {
+class OnASlowDisk : public testing::Test {
 protected:
     void SetUp() override {
         if (!disk.isThere()) {
@@ -104,11 +53,11 @@ protected:
     QTimer beat;
     QElapsedTimer sinceBeat;
     qint64 longestGap = 0; ///< milliseconds in which the window did nothing else
-    Disk disk;
+    SlowDisk disk;
     std::unique_ptr<AppController> controller;
 };
 
-TEST_F(SlowDisk, LeavesWhatHangsBehind) {
+TEST_F(OnASlowDisk, LeavesWhatHangsBehind) {
     const std::string quick = folder.write("quick.mp3", songFile("quick", "Bob"));
     for (const char* name : {"hang-stat.mp3", "hang-open.mp3", "hang-read.mp3", "hang-codes.m4a"}) {
         const std::string path = disk.song(name, "late");
@@ -133,7 +82,7 @@ TEST_F(SlowDisk, LeavesWhatHangsBehind) {
     EXPECT_FALSE(show(disk.write("hang-stat.txt", "")));
 }
 
-TEST_F(SlowDisk, FillsThePanelWhenTheDiskAnswers) {
+TEST_F(OnASlowDisk, FillsThePanelWhenTheDiskAnswers) {
     EXPECT_TRUE(show(disk.song("hang-read.mp3", "late")));
     EXPECT_EQ(controller->fileSizeField->text(), "4.9 KB"); // which was known
     disk.answer();
@@ -143,7 +92,22 @@ TEST_F(SlowDisk, FillsThePanelWhenTheDiskAnswers) {
     EXPECT_FALSE(show(disk.song("hang-read.mp3", "late"))); // it is the file shown
 }
 
-TEST_F(SlowDisk, TakesTheFileThatIsChosenWhileItWaits) {
+TEST_F(OnASlowDisk, SaysHowFarALongSearchIs) {
+    show(disk.write("late-20-x.mp3", std::string(4000000, 'x')));
+    const auto share = [&] {
+        const QString text = controller->readingField->text();
+        return text.endsWith(u'%') ? text.mid(text.indexOf(u' ')).chopped(1).toInt() : -1;
+    };
+    EXPECT_TRUE(waitFor([&] { return share() > 0; }));
+    const int before = share();
+    EXPECT_TRUE(waitFor([&] { return share() > before; }));
+    show(folder.write("quick.mp3", songFile("quick")));
+    // Called off, it does not go on to the end.
+    controller.reset();
+    EXPECT_TRUE(SideWork::haveThreadsEnded(std::chrono::milliseconds(300)));
+}
+
+TEST_F(OnASlowDisk, TakesTheFileThatIsChosenWhileItWaits) {
     const std::string quick = folder.write("quick.mp3", songFile("quick"));
     const std::string hanging = disk.song("hang-read.mp3", "late");
     show(quick);
@@ -165,7 +129,7 @@ TEST_F(SlowDisk, TakesTheFileThatIsChosenWhileItWaits) {
     }
 }
 
-TEST_F(SlowDisk, BearsAThousandChoices) {
+TEST_F(OnASlowDisk, BearsAThousandChoices) {
     const auto threads = [] {
         return std::distance(fs::directory_iterator("/proc/self/task"), fs::directory_iterator());
     };
@@ -190,14 +154,14 @@ TEST_F(SlowDisk, BearsAThousandChoices) {
     EXPECT_LE(most - before, 8);
 }
 
-TEST_F(SlowDisk, ShowsNothingOfAFileThatBreaks) {
+TEST_F(OnASlowDisk, ShowsNothingOfAFileThatBreaks) {
     show(disk.write("broken-x.mp3", songFile(std::string(20000, 'x'))));
     EXPECT_FALSE(isReading());
     EXPECT_EQ(title(), "");
     EXPECT_EQ(controller->fileSizeField->text(), "24.5 KB");
 }
 
-TEST_F(SlowDisk, KeepsToTheFileThatItHasOpened) {
+TEST_F(OnASlowDisk, KeepsToTheFileThatItHasOpened) {
     const std::string path = disk.song("late-150-x.mp3", "old");
     QTimer::singleShot(50, [&] {
         (void)disk.song("new", "a longer new title");
@@ -207,7 +171,7 @@ TEST_F(SlowDisk, KeepsToTheFileThatItHasOpened) {
     EXPECT_TRUE(shows("old"));
 }
 
-TEST_F(SlowDisk, DoesNotWaitForRenamesAndEditors) {
+TEST_F(OnASlowDisk, DoesNotWaitForRenamesAndEditors) {
     show(disk.song("hang-rename.mp3", "new"));
     EXPECT_EQ(title(), "new");
     controller->renameToSongTitle();
@@ -239,7 +203,7 @@ TEST_F(SlowDisk, DoesNotWaitForRenamesAndEditors) {
     EXPECT_TRUE(waitFor([&] { return isReadMeanwhile; }));
 }
 
-TEST_F(SlowDisk, OpensManyFilesOneAfterTheOther) {
+TEST_F(OnASlowDisk, OpensManyFilesOneAfterTheOther) {
     QList<QByteArray> paths;
     for (int i = 0; i < 200; ++i) {
         paths.append(QByteArray::fromStdString(disk.song("hang-read" + std::to_string(i) + ".mp3", "late")));
@@ -250,7 +214,7 @@ TEST_F(SlowDisk, OpensManyFilesOneAfterTheOther) {
 }
 
 /// Quitting, and handing over, while a read hangs.
-TEST_F(SlowDisk, TheProgramEnds) {
+TEST_F(OnASlowDisk, TheProgramEnds) {
     ChildProcess program({SONARIN_PROGRAM, disk.song("hang-open.mp3", "late")});
     ASSERT_TRUE(waitFor(isOnTheBus, 20000));
     runFor(300);

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "tests/window/slowDisk.h"
+
+#include "tests/window/windowSupport.h"
+
+#include <filesystem>
+#include <sys/stat.h>
+#include <vector>
+
+namespace sonarin {
+
+namespace fs = std::filesystem;
+
+SlowDisk::SlowDisk() {
+    fs::create_directory(folder_.path("disk"));
+    fs::create_directory(folder_.path("mounted"));
+    const dev_t before = device();
+    server_ = std::make_unique<ChildProcess>(
+        std::vector<std::string>{SONARIN_SLOW_DISK, folder_.path("disk"), folder_.path("mounted")});
+    isThere_ =
+        waitFor([&] { return device() != before || server_->hasEnded(0); }, 10000) && !server_->hasEnded(0);
+}
+
+SlowDisk::~SlowDisk() {
+    server_.reset();
+    ChildProcess unmount({"fusermount3", "-uz", folder_.path("mounted")}, ChildProcess::Errors::hidden);
+    unmount.hasEnded(5000);
+}
+
+std::string SlowDisk::write(const std::string& name, const std::string& content) const {
+    (void)folder_.write("disk/" + name, content);
+    return folder_.path("mounted/" + name);
+}
+
+std::string SlowDisk::song(const std::string& name, const std::string& title) const {
+    return write(name, songFile(title, "Ann"));
+}
+
+void SlowDisk::replace(const std::string& name, const std::string& by) const {
+    fs::rename(folder_.path("disk/" + by), folder_.path("disk/" + name));
+}
+
+bool SlowDisk::has(const std::string& name) const {
+    return fs::exists(folder_.path("disk/" + name));
+}
+
+void SlowDisk::answer() const {
+    (void)folder_.write("disk/answer", "");
+}
+
+void SlowDisk::hangAgain() const {
+    fs::remove(folder_.path("disk/answer"));
+}
+
+dev_t SlowDisk::device() const {
+    struct stat status {};
+    stat(folder_.path("mounted").c_str(), &status);
+    return status.st_dev;
+}
+
+} // namespace sonarin
