@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "engine/fileEngine.h"
 #include "engine/readCache.h"
+#include "platform/host/mountPoints.h"
 #include "tests/support/testFolder.h"
 #include "text/stringEngine.h"
 
@@ -12,6 +13,7 @@
 #include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace sonarin {
@@ -101,6 +103,22 @@ TEST_F(CacheTest, FillsMoreAsLongAsReadsGoOn) {
     EXPECT_EQ(cache.validLength, 4096U);
     EXPECT_EQ(rcReadIntoCache(&cache, 1000 + 4096), 0);
     EXPECT_EQ(cache.validLength, 16384U);
+}
+
+TEST_F(CacheTest, EndsWhenNobodyWantsIt) {
+    ReadProgress progress;
+    cache.progress = &progress;
+    std::vector<char> much(400000);
+    ASSERT_EQ(open(countedBytes(500000)), 0);
+    EXPECT_EQ(progress.position, 0U); // nothing that takes long
+    EXPECT_EQ(rcReadPastCache(&cache, 1000, 400000, much.data()), 0);
+    EXPECT_EQ(much[399999], static_cast<char>(400999 % 251));
+    EXPECT_EQ(progress.position, 1000U + 5 * rcStandardBufferSize);
+    progress.isWanted = false;
+    EXPECT_EQ(rcReadPastCache(&cache, 0, 400000, much.data()), fileUnwantedErr);
+    EXPECT_EQ(rcReadFromCache(&cache, 100, 4, out.data()), 0); // is there
+    EXPECT_EQ(rcReadFromCache(&cache, 200000, 4, out.data()), fileUnwantedErr);
+    EXPECT_TRUE(rcBytesInCache(&cache, 200000, 4).empty());
 }
 
 TEST_F(CacheTest, PassesOverHoles) {
@@ -207,6 +225,17 @@ TEST(Paths, HaveALastComponent) {
              {"/a/b.mp3", "b.mp3"}, {"b", "b"}, {"/a/b//", "b"}, {"/", "/"}, {"//", "/"}, {"", ""}}) {
         EXPECT_EQ(plain(feLastPathComponent(text(path))), name) << path;
     }
+}
+
+TEST(MountPoints, AreFoundByTheWholeNamesOfFolders) {
+    const std::vector<std::string> points = {"/", "/mnt", "/mnt/a b", "/mnt/a", "/proc"};
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"/mnt/a/x.mp3", "/mnt/a"}, {"/mnt/ab/x.mp3", "/mnt"}, {"/mnt/a b/c", "/mnt/a b"},
+        {"/mnt", "/mnt"},           {"/home/x", "/"},          {"x", ""}};
+    for (const auto& [path, point] : cases) {
+        EXPECT_EQ(mountPointOf(path, points), point) << path;
+    }
+    EXPECT_EQ(mountPointOf("/proc/self/mountinfo", hostMountPoints()), "/proc");
 }
 
 } // namespace

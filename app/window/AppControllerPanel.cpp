@@ -95,14 +95,12 @@ bool AppController::acceptPath(std::int32_t type) {
 void AppController::startReading(const QString& path) {
     endReading();
     reading_ = std::make_shared<FileReading>(path);
-    FSRef ref;
-    (void)feMakeFSRefFromPath(reading_->text, &ref);
     const auto hasEnded = [this] {
         reading_->hasEnded = true;
         showReading();
     };
     readingJob_ = sideWork_.start(
-        ref.path, [reading = reading_] { reading->run(); }, hasEnded);
+        reading_->hostPath.path, [reading = reading_] { reading->run(); }, hasEnded);
     readingTimer_.start();
 }
 

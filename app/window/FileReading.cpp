@@ -9,7 +9,9 @@
 namespace sonarin {
 
 FileReading::FileReading(QString shownPath)
-    : path(std::move(shownPath)), text(cocoaUtils::textFromString(path)) {}
+    : path(std::move(shownPath)), text(cocoaUtils::textFromString(path)) {
+    (void)feMakeFSRefFromPath(text, &hostPath);
+}
 
 void FileReading::run() {
     file = readShownFile(text, {Pictures::load, &progress});
@@ -17,7 +19,7 @@ void FileReading::run() {
         cover = amdGetCoverArt(file.record, &progress.isWanted);
     }
     if (!cover && progress.isWanted) {
-        icon = iconForFile(path, theme);
+        icon = iconForFile(hostPath.path, cocoaUtils::stringFromText(feLastPathComponent(text)), theme);
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/shownFile.h"
+#include "engine/fileEngine.h"
 #include "platform/desktop/iconTheme.h"
 
 #include <QImage>
@@ -11,7 +12,7 @@
 namespace sonarin {
 
 /// One file on its way into the panel. It is read beside the window (see SideWork): until that has ended only
-/// `path` and `progress` are the window's to look at; from then on all of it is, and it has no other owner.
+/// the path and `progress` are the window's to look at; from then on all of it is, and it has no other owner.
 struct FileReading {
     explicit FileReading(QString shownPath);
     FileReading(const FileReading&) = delete;
@@ -23,6 +24,7 @@ struct FileReading {
 
     const QString path;      ///< its bytes that are no UTF-8 as U+DC80 to U+DCFF
     const SvxStringRef text; ///< the same
+    FSRef hostPath;          ///< the same; empty where it can be none
     const IconTheme theme = IconTheme::current();
     ReadProgress progress;
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/fileIcon.h"
 
-#include <QFileInfo>
 #include <QMimeDatabase>
 #include <QPainter>
 #include <QPainterPath>
+#include <array>
 #include <map>
 #include <mutex>
+#include <sys/stat.h>
 
 namespace sonarin {
 
@@ -73,13 +74,39 @@ private:
     std::map<QString, QImage> icons_;
 };
 
+/// The type goes by the name, but for what is no regular file. Not asked of the database with the path: it
+/// would look at the disk with a lock held that everybody needs.
+QMimeType typeOf(const std::string& path, const QString& name) {
+    struct SpecialType {
+        mode_t kind;
+        const char* name;
+    };
+    constexpr std::array<SpecialType, 5> specialTypes = {{{S_IFDIR, "inode/directory"},
+                                                          {S_IFIFO, "inode/fifo"},
+                                                          {S_IFSOCK, "inode/socket"},
+                                                          {S_IFCHR, "inode/chardevice"},
+                                                          {S_IFBLK, "inode/blockdevice"}}};
+    const QMimeDatabase types;
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) {
+        for (const SpecialType& special : specialTypes) {
+            if ((status.st_mode & S_IFMT) == special.kind) {
+                return types.mimeTypeForName(QLatin1StringView(special.name));
+            }
+        }
+    }
+    const QList<QMimeType> found = types.mimeTypesForFileName(name);
+    return found.isEmpty() ? types.mimeTypeForName(QStringLiteral("application/octet-stream"))
+                           : found.first();
+}
+
 } // namespace
 
-QImage iconForFile(const QString& path, const IconTheme& theme) {
-    const QMimeType type = QMimeDatabase().mimeTypeForFile(QFileInfo(path), QMimeDatabase::MatchExtension);
+QImage iconForFile(const std::string& path, const QString& name, const IconTheme& theme) {
+    const QMimeType type = typeOf(path, name);
     static KnownIcons known;
-    for (const QString& name : {type.iconName(), type.genericIconName()}) {
-        QImage icon = known.icon(theme, name);
+    for (const QString& iconName : {type.iconName(), type.genericIconName()}) {
+        QImage icon = known.icon(theme, iconName);
         if (!icon.isNull()) {
             return icon;
         }

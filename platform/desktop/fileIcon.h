@@ -6,12 +6,13 @@
 #include <QIcon>
 #include <QImage>
 #include <QString>
+#include <string>
 
 namespace sonarin {
 
 /// The icon that the desktop's theme has for files of this kind, going by the name (and for folders by what
 /// is there); one of our own when the theme has none. The file is not opened. For any thread: may hang.
-[[nodiscard]] QImage iconForFile(const QString& path, const IconTheme& theme);
+[[nodiscard]] QImage iconForFile(const std::string& path, const QString& name, const IconTheme& theme);
 
 /// The icon of what is not known yet. For any thread; asks no disk.
 [[nodiscard]] QImage unknownFileIcon();

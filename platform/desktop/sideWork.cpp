@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <mutex>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -151,7 +152,11 @@ void SideWork::runThread(const std::shared_ptr<Shared>& shared) {
             continue;
         }
         lock.unlock();
-        job->work();
+        try {
+            job->work();
+        } catch (const std::exception&) {
+            // Out of memory: what the work has not done stays undone.
+        }
         job->work = nullptr;
         lock.lock();
         std::erase(shared->running, job);

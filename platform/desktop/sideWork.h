@@ -35,8 +35,9 @@ public:
     /// Work that has not begun is forgotten.
     ~SideWork() override;
 
-    /// Has `work` run in another thread, and then `done` in this one. `path` is what the work may hang on:
-    /// two pieces run at a time for one file system, eight in all; what is more waits its turn.
+    /// Has `work` run in another thread, and then `done` in this one, also when `work` throws. `path` is what
+    /// the work may hang on: two pieces run at a time for one file system, eight in all; what is more waits
+    /// its turn.
     JobRef start(std::string path, std::function<void()> work, std::function<void()> done);
 
     /// Work that nobody wants any more: does not begin if it has not, and its `done` is not called.

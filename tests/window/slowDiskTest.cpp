@@ -92,6 +92,21 @@ TEST_F(OnASlowDisk, FillsThePanelWhenTheDiskAnswers) {
     EXPECT_FALSE(show(disk.song("hang-read.mp3", "late"))); // it is the file shown
 }
 
+/// Two at a time of one disk, so that the one behind the one that hangs is read.
+TEST_F(OnASlowDisk, LeavesNoMoreThanTwoReadingsOfADiskBehind) {
+    show(disk.song("hang-read-1.mp3", "late"));
+    show(disk.song("late-150-2.mp3", "two"));
+    EXPECT_TRUE(shows("two"));
+    show(disk.song("hang-read-3.mp3", "late"));
+    show(disk.song("late-1-6.mp3", "six"));
+    EXPECT_TRUE(isReading());
+    show(folder.write("other.mp3", songFile("other")));
+    EXPECT_EQ(title(), "other");
+    show(disk.song("late-1-7.mp3", "seven"));
+    disk.answer();
+    EXPECT_TRUE(shows("seven"));
+}
+
 TEST_F(OnASlowDisk, SaysHowFarALongSearchIs) {
     show(disk.write("late-20-x.mp3", std::string(4000000, 'x')));
     const auto share = [&] {
