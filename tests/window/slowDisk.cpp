@@ -13,23 +13,23 @@ namespace fs = std::filesystem;
 
 SlowDisk::SlowDisk() {
     fs::create_directory(folder_.path("disk"));
-    fs::create_directory(folder_.path("mounted"));
+    fs::create_directory(folder_.path("the disk"));
     const dev_t before = device();
     server_ = std::make_unique<ChildProcess>(
-        std::vector<std::string>{SONARIN_SLOW_DISK, folder_.path("disk"), folder_.path("mounted")});
+        std::vector<std::string>{SONARIN_SLOW_DISK, folder_.path("disk"), folder_.path("the disk")});
     isThere_ =
         waitFor([&] { return device() != before || server_->hasEnded(0); }, 10000) && !server_->hasEnded(0);
 }
 
 SlowDisk::~SlowDisk() {
     server_.reset();
-    ChildProcess unmount({"fusermount3", "-uz", folder_.path("mounted")}, ChildProcess::Errors::hidden);
+    ChildProcess unmount({"fusermount3", "-uz", folder_.path("the disk")}, ChildProcess::Errors::hidden);
     unmount.hasEnded(5000);
 }
 
 std::string SlowDisk::write(const std::string& name, const std::string& content) const {
     (void)folder_.write("disk/" + name, content);
-    return folder_.path("mounted/" + name);
+    return folder_.path("the disk/" + name);
 }
 
 std::string SlowDisk::song(const std::string& name, const std::string& title) const {
@@ -54,7 +54,7 @@ void SlowDisk::hangAgain() const {
 
 dev_t SlowDisk::device() const {
     struct stat status {};
-    stat(folder_.path("mounted").c_str(), &status);
+    stat(folder_.path("the disk").c_str(), &status);
     return status.st_dev;
 }
 
