@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QElapsedTimer>
+#include <QImageWriter>
 #include <QLabel>
 #include <QProcess>
 #include <QWindow>
@@ -163,6 +164,51 @@ void measureHanging(const TestFolder& folder) {
     disk.answer();
 }
 
+/// A photograph of 40 megapixels, as progressive JPEG, which takes longest to decode.
+std::string photograph() {
+    QImage image(7728, 5152, QImage::Format_RGB32);
+    std::mt19937 random(1);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            image.setPixel(
+                x, y, qRgb((x / 8 + static_cast<int>(random() % 16)) % 256, y / 8 % 256, x * y / 2000 % 256));
+        }
+    }
+    QByteArray content;
+    QBuffer buffer(&content);
+    QImageWriter writer(&buffer, "jpg");
+    writer.setQuality(85);
+    writer.setProgressiveScanWrite(true);
+    writer.write(image);
+    return content.toStdString();
+}
+
+/// How long the window stands still for a file that is heavy in one way.
+void measureHeavy(const TestFolder& folder, const char* kind, const std::string& frame) {
+    const QString path = pathOf(folder.write("heavy.mp3", sample::id3Tag(frame) + sample::mpegAudio(20000)));
+    FixedSources sources;
+    UserDefaults defaults;
+    AppController controller(&sources, &defaults);
+    controller.showMainWindow();
+    runFor(200);
+    double longest = 0;
+    QElapsedTimer pause;
+    QTimer beat;
+    beat.callOnTimeout([&] {
+        longest = std::max(longest, static_cast<double>(pause.nsecsElapsed()) / 1e6);
+        pause.restart();
+    });
+    pause.start();
+    beat.start(1);
+    const double filled = millisecondsOf([&] {
+        QTimer::singleShot(0, &controller, [&] { controller.updateValuesForNewPath(path); });
+        waitFor([&] { return controller.lastPath == path && controller.readingField->isHidden(); }, 60000);
+    });
+    controller.myWindow->grab();
+    runFor(100);
+    std::printf("%s: filled after %.0f ms, the window stands still for %.0f ms\n", kind, filled, longest);
+}
+
 double startMilliseconds(const QString& program, const QString& argument) {
     QElapsedTimer timer;
     timer.start();
@@ -277,6 +323,10 @@ int main(int argc, char** argv) {
     decodePicturesWithQt();
     measureUpdates(folder, "a cover of 71 KB", picture());
     measureUpdates(folder, "no cover", "");
+    measureHeavy(folder, "a cover of 40 megapixels",
+                 sample::id3Frame("APIC", sample::bytes("\0image/jpeg\0\3\0") + photograph()));
+    measureHeavy(folder, "a title of 60 MB",
+                 sample::id3Frame("TIT2", std::string(1, '\0') + std::string(60000000, 't')));
     measureHanging(folder);
     measureStart();
     measureFollowing(folder);

@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -58,6 +59,25 @@ qsizetype lengthToShow(const QString& text) {
         start = end + 1;
     }
     return text.size();
+}
+
+/// What the titles of the menus' entries are made of: texts that are longer than any screen is wide are cut,
+/// or joining them would hold the window up. What an entry does is not cut.
+audioTags recordForEntries(const audioTags& record) {
+    constexpr SvxIndex longest = 10000;
+    constexpr std::array<SvxStringRef audioTags::*, 5> texts = {
+        &audioTags::mp3SongTitleString, &audioTags::mp3ArtistString, &audioTags::mp3AlbumString,
+        &audioTags::mp3ComposerString, &audioTags::mp3Genre2String};
+    audioTags cut;
+    cut.mp3Year = record.mp3Year;
+    cut.mp3TheTrack = record.mp3TheTrack;
+    for (const auto text : texts) {
+        if (SvxStringIsValid(record.*text)) {
+            cut.*text = SvxStringCreateWithSubstring(record.*text, 0,
+                                                     std::min(SvxStringGetLength(record.*text), longest));
+        }
+    }
+    return cut;
 }
 
 void removeEntries(PullDownButton* menu) {
@@ -226,17 +246,19 @@ void AppController::showLyricsText(const SvxStringRef& lyrics) {
 
 void AppController::setupFindInShelvixMenu() {
     removeEntries(findInShelvixPopup);
-    for (const FindKey key : findKeys(currentItem)) {
-        findInShelvixPopup->addItemWithTitle(cocoaUtils::stringFromText(findEntryTitle(key, currentItem)),
+    const audioTags record = recordForEntries(currentItem);
+    for (const FindKey key : findKeys(record)) {
+        findInShelvixPopup->addItemWithTitle(cocoaUtils::stringFromText(findEntryTitle(key, record)),
                                              [this, key] { find(key); });
     }
 }
 
 void AppController::setupRenameMenu() {
     removeEntries(renamePopup);
-    for (const RenamePattern pattern : renamePatterns(currentItem)) {
+    const audioTags record = recordForEntries(currentItem);
+    for (const RenamePattern pattern : renamePatterns(record)) {
         renamePopup->addItemWithTitle(
-            cocoaUtils::stringFromText(renameEntryTitle(pattern, currentItem, currentItemType)),
+            cocoaUtils::stringFromText(renameEntryTitle(pattern, record, currentItemType)),
             [this, pattern] { rename(pattern); });
     }
 }
