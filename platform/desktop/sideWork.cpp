@@ -27,6 +27,11 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t mostThreads = 8;
 constexpr std::ptrdiff_t mostOnOneFileSystem = 2;
+constexpr std::size_t mostByFolders = 6; ///< so that other file systems have something left
+
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
 
 /// How many threads there are.
 struct ThreadCount {
@@ -85,11 +90,16 @@ struct SideWork::Shared {
         return job;
     }
 
+    /// What a link leads to is not known, so that one folder is not taken for all of its file system.
     [[nodiscard]] bool mayBegin(const Job& job, const std::vector<std::string>& mountPoints) const {
         const std::string mountPoint = mountPointOf(job.path, mountPoints);
-        return std::count_if(running.begin(), running.end(), [&](const JobRef& other) {
-                   return mountPointOf(other->path, mountPoints) == mountPoint;
-               }) < mostOnOneFileSystem;
+        const auto neighbours = std::count_if(running.begin(), running.end(), [&](const JobRef& other) {
+            return mountPointOf(other->path, mountPoints) == mountPoint;
+        });
+        const bool isAlone = std::none_of(running.begin(), running.end(), [&](const JobRef& other) {
+            return folderOf(other->path) == folderOf(job.path);
+        });
+        return neighbours < mostOnOneFileSystem || (isAlone && running.size() < mostByFolders);
     }
 };
 

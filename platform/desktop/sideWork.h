@@ -36,8 +36,8 @@ public:
     ~SideWork() override;
 
     /// Has `work` run in another thread, and then `done` in this one, also when `work` throws. `path` is what
-    /// the work may hang on: two pieces run at a time for one file system, eight in all; what is more waits
-    /// its turn.
+    /// the work may hang on: two pieces run at a time for one file system, and one for another folder of it
+    /// as long as fewer than six run; eight in all. What is more waits its turn.
     JobRef start(std::string path, std::function<void()> work, std::function<void()> done);
 
     /// Work that nobody wants any more: does not begin if it has not, and its `done` is not called.

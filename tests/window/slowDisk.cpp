@@ -12,7 +12,7 @@ namespace sonarin {
 namespace fs = std::filesystem;
 
 SlowDisk::SlowDisk() {
-    fs::create_directory(folder_.path("disk"));
+    fs::create_directories(folder_.path("disk/folder"));
     fs::create_directory(folder_.path("the disk"));
     const dev_t before = device();
     server_ = std::make_unique<ChildProcess>(
