@@ -14,14 +14,15 @@ namespace {
 
 constexpr SvxIndex longestName = 255;
 
-/// The name in UTF-8; empty when it cannot be the name of an item.
+/// The name in UTF-8, without U+0000, in which many titles end and which no name here can hold; empty when it
+/// cannot be the name of an item.
 std::string encodeName(const SvxString& name) {
     std::string bytes;
     const bool isWhole = name.visit([&bytes](auto units) {
         bool isUsable = true;
         forEachCharacter(units, [&](CodePoint character) {
-            isUsable = character != 0 && character != '/' && !isSurrogate(character);
-            if (isUsable) {
+            isUsable = character != '/' && !isSurrogate(character);
+            if (isUsable && character != 0) {
                 bytes += encodeUtf8(character).view();
             }
             return isUsable;

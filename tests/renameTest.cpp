@@ -32,9 +32,10 @@ TEST(Rename, TakesTheNameExactlyOrNotAtAll) {
     folder.write("taken", "precious");
     const std::u16string loneSurrogate = {u'a', 0xD800};
     const std::u16string escapedByte = {u'a', 0xDCFF};
-    for (const SvxStringRef& name : {text(""), SvxStringRef(), text("."), text(".."), text("a/b"),
-                                     text("../x"), text("/x"), text(bytes("a\0b")), text("taken"),
-                                     SvxStringFromUTF16(loneSurrogate), SvxStringFromUTF16(escapedByte)}) {
+    for (const SvxStringRef& name :
+         {text(""), SvxStringRef(), text("."), text(".."), text("a/b"), text("../x"), text("/x"),
+          text(bytes("\0")), text(bytes("tak\0en")), text("taken"), SvxStringFromUTF16(loneSurrogate),
+          SvxStringFromUTF16(escapedByte)}) {
         EXPECT_NE(rename(path, name), 0) << plain(name);
         EXPECT_TRUE(fs::exists(path)) << plain(name);
     }
@@ -44,6 +45,8 @@ TEST(Rename, TakesTheNameExactlyOrNotAtAll) {
 
     EXPECT_EQ(rename(path, text(" new name ")), 0); // nothing is trimmed
     EXPECT_EQ(rename(folder.path(" new name "), text(" New Name ")), 0);
+    EXPECT_EQ(rename(folder.path(" New Name "), text(bytes("Without\0 end\0"))), 0);
+    EXPECT_TRUE(fs::exists(folder.path("Without end")));
     fs::create_directory(folder.path("folder"));
     EXPECT_EQ(rename(folder.path("folder/"), text("other")), 0);
     EXPECT_EQ(rename(folder.path("other"), text("taken")), -EEXIST);
