@@ -17,6 +17,7 @@
 #include <QClipboard>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMetaMethod>
 #include <QShortcut>
 #include <QTextDocument>
@@ -30,6 +31,10 @@ namespace {
 constexpr QLatin1StringView syncKindDefaultKey("syncKindDefaultKey");
 constexpr QLatin1StringView finderSync("finderSync");
 constexpr QLatin1StringView windowGeometry("windowGeometry");
+
+/// A file that is audio by its Macintosh codes may have any name.
+constexpr QLatin1StringView
+    openFilters("Audio files (*.mp3 *.m4a *.aac *.m4b *.m4p *.m4r *.wav *.wave *.aif *.aiff);;All files (*)");
 
 /// The item of the menu that stands for a sync kind; item 1 is the line between the others.
 struct SyncItem {
@@ -52,6 +57,23 @@ QString pathFromText(const QString& text) {
 void acceptCopy(QDropEvent* event) {
     event->setDropAction(Qt::CopyAction);
     event->accept();
+}
+
+/// The files on this computer of a drop or of a file manager's copy.
+QList<QByteArray> filesIn(const QMimeData* data) {
+    QList<QByteArray> paths;
+    for (const QUrl& url : data != nullptr ? data->urls() : QList<QUrl>()) {
+        const auto path = pathOfFileUri(QString::fromUtf8(url.toEncoded()));
+        if (path) {
+            paths.append(*path);
+        }
+    }
+    return paths;
+}
+
+/// Not a link to the web, which comes as text as well.
+bool isForUs(const QMimeData* data) {
+    return data->hasUrls() ? !filesIn(data).isEmpty() : data->hasText();
 }
 
 void closeByKey(QWidget* window) {
@@ -106,6 +128,8 @@ void AppController::loadInterface() {
     editTagsPopup = main.editTagsPopup;
     lyricsButton = main.lyricsButton;
     twitterButton = main.twitterButton;
+    lyricsAction_ = main.lyricsAction;
+    twitterAction_ = main.twitterAction;
 
     connectActions(myWindow);
 }
@@ -388,8 +412,13 @@ void AppController::copy() {
 
 void AppController::openDocument() {
     QList<QByteArray> paths;
-    for (const QString& name : QFileDialog::getOpenFileNames(myWindow, QStringLiteral("Open"))) {
+    const QStringList names =
+        QFileDialog::getOpenFileNames(myWindow, QStringLiteral("Open"), openFolder_, openFilters);
+    for (const QString& name : names) {
         paths.append(QFile::encodeName(name));
+    }
+    if (!names.isEmpty()) {
+        openFolder_ = QFileInfo(names.first()).path();
     }
     openFiles(paths);
 }
@@ -422,14 +451,7 @@ void AppController::terminate() {
 
 /// Shows the files of a drop or of a file manager's copy, one after the other. False when there are none.
 bool AppController::takeDropped(const QMimeData* data) {
-    QList<QByteArray> paths;
-    const QList<QUrl> urls = data != nullptr ? data->urls() : QList<QUrl>();
-    for (const QUrl& url : urls) {
-        const auto path = pathOfFileUri(QString::fromUtf8(url.toEncoded()));
-        if (path) {
-            paths.append(*path);
-        }
-    }
+    const QList<QByteArray> paths = filesIn(data);
     openFiles(paths);
     return !paths.isEmpty();
 }
@@ -441,7 +463,7 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::DragEnter: {
         auto* drag = static_cast<QDropEvent*>(event); // NOLINT(*-static-cast-downcast): by its type
-        if (drag->mimeData()->hasUrls() || drag->mimeData()->hasText()) {
+        if (isForUs(drag->mimeData())) {
             acceptCopy(drag);
         }
         return true;

@@ -20,6 +20,7 @@
 #include <QMainWindow>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QStandardPaths>
 #include <QTextBrowser>
 #include <QTimer>
 #include <functional>
@@ -198,6 +199,7 @@ private:
     void showFacts(const HostPicture* cover);
     void showLyricsText(const SvxStringRef& lyrics);
     void finishUpdate();
+    void enableLyrics(bool isEnabled);
     bool takeDropped(const QMimeData* data);
     void rename(RenamePattern pattern);
     void find(FindKey key);
@@ -209,12 +211,15 @@ private:
     SelectionSources* sources_;
     UserDefaults* defaults_;
     std::function<bool()> hasWayBack_;
+    QAction* lyricsAction_ = nullptr;
+    QAction* twitterAction_ = nullptr;
     std::unique_ptr<QMainWindow> mainWindow_;
     std::unique_ptr<QWidget> lyricsWindowOwner_;
     std::unique_ptr<QWidget> helpWindowOwner_;
     std::unique_ptr<ConnectWindow> connectWindow_;
     QElapsedTimer following_; ///< since the source was chosen
     QList<QByteArray> toOpen_;
+    QString openFolder_ = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
 
     std::shared_ptr<FileReading> reading_; ///< of the path chosen last; none once it is shown
     SideWork::JobRef readingJob_;

@@ -214,11 +214,16 @@ void AppController::clearFacts() {
     }
     cocoaUtils::setStringValue(coverArtDetailsField, nullptr);
     showLyricsText(panelLyrics(audioTags()));
-    lyricsButton->setEnabled(false);
+    enableLyrics(false);
+}
+
+void AppController::enableLyrics(bool isEnabled) {
+    lyricsButton->setEnabled(isEnabled);
+    lyricsAction_->setEnabled(isEnabled);
 }
 
 void AppController::showFacts(const HostPicture* cover) {
-    lyricsButton->setEnabled(hasLyrics(currentItem));
+    enableLyrics(hasLyrics(currentItem));
     showLyricsText(panelLyrics(currentItem));
     const PanelFacts facts = panelFacts(currentItem);
     for (const FactField& fact : factFields) {
@@ -265,6 +270,7 @@ void AppController::setupRenameMenu() {
 
 void AppController::enableTwitterButton() {
     twitterButton->setEnabled(canTellTwitter(currentItem));
+    twitterAction_->setEnabled(canTellTwitter(currentItem));
 }
 
 SvxStringRef AppController::currentSuffix() const {

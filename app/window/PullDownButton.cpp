@@ -16,7 +16,7 @@ PullDownButton::PullDownButton(QWidget* parent) : QPushButton(parent), menu_(thi
 }
 
 int PullDownButton::numberOfItems() const {
-    return 1 + static_cast<int>(menu_.actions().size());
+    return 1 + static_cast<int>(menu_.actions().size()) - (note_ != nullptr ? 1 : 0);
 }
 
 QAction* PullDownButton::entry(int index) const {
@@ -29,9 +29,15 @@ void PullDownButton::removeItemAtIndex(int index) {
 }
 
 void PullDownButton::addItemWithTitle(const QString& title, std::function<void()> action) {
+    removeNote();
     QAction* added = menu_.addAction(QString());
     added->setData(title);
     connect(added, &QAction::triggered, this, [action = std::move(action)] { action(); });
+}
+
+void PullDownButton::removeNote() {
+    delete note_;
+    note_ = nullptr;
 }
 
 void PullDownButton::addSeparator() {
@@ -50,8 +56,13 @@ void PullDownButton::activateItemAtIndex(int index) {
 void PullDownButton::fillIn() {
     const int room = screen()->availableGeometry().width() * 2 / 3;
     constexpr qsizetype mostUnits = 2000; // wider than any screen
+    if (menu_.isEmpty() && !emptyNote_.isEmpty()) {
+        note_ = menu_.addAction(QString());
+        note_->setData(emptyNote_);
+        note_->setEnabled(false);
+    }
     for (QAction* action : menu_.actions()) {
-        QString title = action->data().toString();
+        QString title = action->data().toString().remove(QChar::Null);
         if (title.size() > mostUnits) {
             title = title.left(mostUnits / 2) + u'…' + title.right(mostUnits / 2);
         }

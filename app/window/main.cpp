@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -32,6 +33,16 @@ constexpr const char* usage =
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+/// The first argument that looks like an option; null when there is none.
+const char* unknownOption(int argc, char** argv) {
+    for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
+        if (std::string_view(argv[i]).starts_with('-')) {
+            return argv[i];
+        }
+    }
+    return nullptr;
 }
 
 /// The files of the call as absolute paths, since a running program may have another working folder.
@@ -88,8 +99,13 @@ int run(int argc, char** argv) {
         (void)std::fputs("sonarin: there is no display; sonarin-info shows the same on a terminal\n", stderr);
         return 1;
     }
+    QApplication application(argc, argv); // takes the toolkit's own options out
+    if (const char* option = unknownOption(argc, argv)) {
+        (void)std::fputs((std::string("sonarin: there is no option ") + option + '\n' + usage).c_str(),
+                         stderr);
+        return 2;
+    }
     const QList<QByteArray> paths = absolutePaths(argc, argv);
-    QApplication application(argc, argv);
     QApplication::setDesktopFileName(QLatin1StringView(bundleIdentifier));
     QApplication::setWindowIcon(programIcon());
     QApplication::setQuitOnLastWindowClosed(AppController::applicationShouldTerminateAfterLastWindowClosed());

@@ -88,13 +88,46 @@ TEST_F(Actions, RenameByEveryPattern) {
 TEST_F(Actions, RenameNeitherReplacesNorMoves) {
     const std::string taken = folder.write("Taken.mp3", "precious");
     for (const std::string& title :
-         {std::string("Taken"), std::string("../../x"), std::string("a/b"), bytes("a\0b")}) {
+         {std::string("Taken"), std::string("../../x"), std::string("a/b"), bytes("Tak\0en\0")}) {
         const std::string path = showFrames(text("TIT2", title));
         controller->renameToSongTitle();
         EXPECT_TRUE(fs::exists(path)) << title;
     }
     EXPECT_EQ(fs::file_size(taken), 8U);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path("")), fs::directory_iterator()), 2);
+}
+
+/// A text in UTF-16 keeps its terminator, which no file's name can hold.
+TEST_F(Actions, RenameLeavesOutU0000) {
+    showFrames(id3Frame("TIT2", bytes("\1\xFF\xFEN\0e\0w\0\0\0")));
+    controller->renamePopup->menu()->aboutToShow();
+    EXPECT_EQ(controller->renamePopup->menu()->actions().constFirst()->text(), "Rename to:   New.mp3");
+    controller->renameToSongTitle();
+    EXPECT_TRUE(fs::exists(folder.path("New.mp3")));
+}
+
+TEST_F(Actions, EmptyMenusSayWhy) {
+    showFrames(text("TPE1", "Ann"));
+    emit controller->renamePopup->menu()->aboutToShow();
+    EXPECT_EQ(controller->renamePopup->numberOfItems(), 1); // it is none of the items
+    const QAction* note = controller->renamePopup->menu()->actions().value(0);
+    ASSERT_NE(note, nullptr);
+    EXPECT_EQ(note->text(), "No title in the tag");
+    EXPECT_FALSE(note->isEnabled());
+    showFrames(text("TIT2", "Song"));
+    EXPECT_EQ(controller->renamePopup->menu()->actions().size(), 1);
+    EXPECT_EQ(controller->renamePopup->itemTitleAtIndex(1), "Rename to:   Song.mp3");
+}
+
+/// The commands of the menu bar are as enabled as the buttons.
+TEST_F(Actions, CommandsGoWithTheirButtons) {
+    const auto* lyrics = controller->myWindow->findChild<QAction*>("lyricsAction");
+    const auto* twitter = controller->myWindow->findChild<QAction*>("twitterAction");
+    EXPECT_FALSE(lyrics->isEnabled() || twitter->isEnabled());
+    showFrames(text("TIT2", "Song") + text("TPE1", "Ann") + id3Frame("USLT", bytes("\0eng\0la\0")));
+    EXPECT_TRUE(lyrics->isEnabled() && twitter->isEnabled());
+    showFrames(text("TIT2", "Song"));
+    EXPECT_FALSE(lyrics->isEnabled() || twitter->isEnabled());
 }
 
 TEST_F(Actions, FindHandsOverEscapedUrls) {

@@ -244,6 +244,14 @@ TEST_F(PanelWindow, TakesPathsFromOutside) {
     QApplication::sendEvent(controller->myWindow, &drop);
     EXPECT_EQ(controller->id3SongTitleField->text(), "strange");
     EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
+
+    QMimeData link; // as a browser gives it
+    link.setText(QStringLiteral("https://example.org/a.mp3"));
+    link.setUrls({QUrl(link.text())});
+    QDragEnterEvent linkEnters(QPoint(5, 5), Qt::CopyAction, &link, Qt::LeftButton, Qt::NoModifier);
+    linkEnters.ignore();
+    QApplication::sendEvent(controller->myWindow, &linkEnters);
+    EXPECT_FALSE(linkEnters.isAccepted());
 }
 
 TEST_F(PanelWindow, ConnectsEveryActionOfItsInterface) {

@@ -22,6 +22,13 @@ TEST(Program, ASecondStartHandsOverToTheFirst) {
     EXPECT_TRUE(UserDefaults().value(QStringLiteral("windowGeometry")).isValid());
 }
 
+TEST(Program, RefusesUnknownOptions) {
+    ChildProcess program({SONARIN_PROGRAM, "--foo"}, ChildProcess::Errors::asOutput);
+    ASSERT_TRUE(program.hasEnded(10000));
+    EXPECT_EQ(program.exitCode(), 2);
+    EXPECT_NE(program.read().find("--foo"), std::string::npos);
+}
+
 TEST(Program, RunsWithoutABus) {
     const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
