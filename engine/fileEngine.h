@@ -62,9 +62,10 @@ struct FSRef {
 std::int32_t feCloseFile(std::int32_t refNum) noexcept;
 
 /// Gives the item, a file or a folder, a new name in its own folder, in one step and never over another item;
-/// the name is taken up to its 255th unit and without U+0000, else exactly. `*renamed` gets the reference of the
-/// renamed item. 0; -EINVAL for a name that is none (empty, ".", "..", or with a slash or a lone surrogate);
-/// -EEXIST when the folder holds an item of that name; or another host error, all of which change nothing.
+/// the name is taken up to its 255th unit and without U+0000, else exactly. `*renamed` gets the reference of
+/// the renamed item. 0; -EINVAL for a name that is none (empty, ".", "..", or with a slash or a lone
+/// surrogate); -EEXIST when the folder holds an item of that name; or another host error, all of which change
+/// nothing.
 [[nodiscard]] std::int32_t feRenameFolder(const FSRef& ref, const SvxStringRef& newName,
                                           FSRef* renamed) noexcept;
 

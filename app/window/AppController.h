@@ -23,6 +23,7 @@
 #include <QStandardPaths>
 #include <QTextBrowser>
 #include <QTimer>
+#include <deque>
 #include <functional>
 #include <memory>
 
@@ -174,6 +175,7 @@ public:
 
 private slots:
     void openNext();
+    void doLater();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -195,6 +197,7 @@ private:
     void showRead();
     void showUnread();
     void showName(const QString& path);
+    void showIcon(const QStringList& names);
     void clearFacts();
     void showFacts(const HostPicture* cover);
     void showLyricsText(const SvxStringRef& lyrics);
@@ -219,11 +222,14 @@ private:
     std::unique_ptr<ConnectWindow> connectWindow_;
     QElapsedTimer following_; ///< since the source was chosen
     QList<QByteArray> toOpen_;
+    bool isRenaming_ = false;
+    std::deque<std::function<void()>> later_;
     QString openFolder_ = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
 
     std::shared_ptr<FileReading> reading_; ///< of the path chosen last; none once it is shown
     SideWork::JobRef readingJob_;
-    QTimer readingTimer_; ///< runs while a file goes on being read by itself
+    bool isIconDue_ = false; ///< is being looked up
+    QTimer readingTimer_;    ///< runs while a file goes on being read by itself
     SideWork sideWork_;
 };
 

@@ -11,6 +11,7 @@
 #include <QMessageBox>
 #include <memory>
 #include <unistd.h>
+#include <utility>
 
 /// The help page is in the program; what is linked from a library must be asked for, outside any namespace.
 static void loadHelpPage() {
@@ -43,12 +44,15 @@ void bringToFront(QWidget* window) {
 } // namespace
 
 void AppController::rename(RenamePattern pattern) {
-    const auto isDone = std::make_shared<bool>(false);
+    if (isRenaming_) {
+        return;
+    }
+    isRenaming_ = true;
     const auto work = [path = lastPath, name = renameFileName(pattern, currentItem, currentItemType)] {
         (void)renameFileAtPath(path, name);
     };
-    sideWork_.start(hostPath(lastPath), work, [isDone] { *isDone = true; });
-    sideWork_.waitUntil([isDone] { return *isDone; });
+    sideWork_.start(hostPath(lastPath), work, [this] { isRenaming_ = false; });
+    sideWork_.waitUntil([this] { return !isRenaming_; });
 }
 
 bool AppController::renameFileAtPath(const QString& path, const SvxStringRef& newName) {
@@ -89,10 +93,11 @@ void AppController::withShownItem(const std::function<void(const std::string& pa
             look->path.clear();
         }
     };
-    const auto done = [look, then] {
+    const auto done = [this, look, then] {
         look->isOver = true;
         if (look->isLate) {
-            then(look->path);
+            later_.emplace_back([look, then] { then(look->path); });
+            QMetaObject::invokeMethod(this, "doLater", Qt::QueuedConnection);
         }
     };
     sideWork_.start(look->path, work, done);
@@ -100,6 +105,13 @@ void AppController::withShownItem(const std::function<void(const std::string& pa
         then(look->path);
     }
     look->isLate = !look->isOver;
+}
+
+/// What may end in an alert, which stays until it is dismissed, must not do so within somebody's wait.
+void AppController::doLater() {
+    const std::function<void()> next = std::move(later_.front());
+    later_.pop_front();
+    next();
 }
 
 void AppController::editWith(std::uint32_t creator, const QString& failure) {

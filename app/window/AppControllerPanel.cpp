@@ -12,6 +12,7 @@
 #include <QLocale>
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace sonarin {
@@ -97,7 +98,7 @@ bool AppController::updateValuesForNewPath(const QString& path) {
     const std::shared_ptr<const FileReading> reading = reading_;
     if (!sideWork_.mustWaitItsTurn(readingJob_)) {
         const bool isLast = toOpen_.size() <= 1;
-        sideWork_.waitUntil([this] { return !reading_; },
+        sideWork_.waitUntil([this] { return !reading_ && !isIconDue_; },
                             isLast ? SideWork::Patience::usual : SideWork::Patience::little);
     }
     if (reading_ && !reading_->isLeft && !sideWork_.isWaiting()) {
@@ -186,13 +187,39 @@ void AppController::showRead() {
     if (decoded != nullptr) {
         fileIconField->setImage(decoded->image());
     } else {
-        fileIconField->setIcon(reading->icon);
+        showIcon(reading->iconNames);
     }
     finishUpdate();
 }
 
-/// From here on the record is empty, until the file has been read.
+/// The theme may be on a disk that is slower than the file's.
+void AppController::showIcon(const QStringList& names) {
+    const IconTheme theme = IconTheme::current();
+    const std::optional<QImage> icon = knownIcon(names, theme);
+    fileIconField->setIcon(icon.value_or(unknownFileIcon()));
+    if (icon) {
+        return;
+    }
+    const auto show = [this, names, theme, path = lastPath] {
+        isIconDue_ = false;
+        const std::optional<QImage> found = knownIcon(names, theme);
+        if (found && path == lastPath && !fileIconField->showsImage()) {
+            fileIconField->setIcon(*found);
+        }
+    };
+    isIconDue_ = true;
+    sideWork_.start(
+        theme.folders.value(0).toStdString(), [names, theme] { lookUpIcon(names, theme); }, show);
+}
+
+/// From here on the record is empty, until the file has been read. A menu that was opened for the file before
+/// is closed: what is chosen from it would be done with another one.
 void AppController::showName(const QString& path) {
+    while (QWidget* popup = QApplication::activePopupWidget()) {
+        if (!popup->close()) {
+            break;
+        }
+    }
     lastPath = path;
     amdReleaseAudioMetaData(&currentItem);
     currentItem = audioTags();

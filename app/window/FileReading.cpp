@@ -19,7 +19,7 @@ void FileReading::run() {
         cover = amdGetCoverArt(file.record, &progress.isWanted);
     }
     if (!cover && progress.isWanted) {
-        icon = iconForFile(hostPath.path, cocoaUtils::stringFromText(feLastPathComponent(text)), theme);
+        iconNames = iconNamesForFile(hostPath.path, cocoaUtils::stringFromText(feLastPathComponent(text)));
     }
 }
 

@@ -3,10 +3,9 @@
 
 #include "app/shownFile.h"
 #include "engine/fileEngine.h"
-#include "platform/desktop/iconTheme.h"
 
-#include <QImage>
 #include <QString>
+#include <QStringList>
 #include <memory>
 
 namespace sonarin {
@@ -25,12 +24,11 @@ struct FileReading {
     const QString path;      ///< its bytes that are no UTF-8 as U+DC80 to U+DCFF
     const SvxStringRef text; ///< the same
     FSRef hostPath;          ///< the same; empty where it can be none
-    const IconTheme theme = IconTheme::current();
     ReadProgress progress;
 
     ShownFile file;
     std::unique_ptr<HostPicture> cover;
-    QImage icon; ///< where there is no cover
+    QStringList iconNames; ///< where there is no cover
 
     // The window's alone.
     bool hasEnded = false;

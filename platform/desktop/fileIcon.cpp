@@ -7,6 +7,7 @@
 #include <array>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <sys/stat.h>
 
 namespace sonarin {
@@ -47,32 +48,38 @@ QImage drawNote(int size, bool onSheet) {
 
 constexpr int iconSize = 288; ///< pixels: as the window shows it on a screen of double density
 
-/// The icons that were looked up in one theme.
+/// The icons that were looked up in one theme; those that it does not have are null.
 class KnownIcons {
 public:
-    QImage icon(const IconTheme& theme, const QString& name) {
-        {
-            const std::lock_guard lock(mutex_);
-            if (theme.names != theme_.names || theme.folders != theme_.folders) {
-                theme_ = theme;
-                icons_.clear();
-            }
-            const auto known = icons_.find(name);
-            if (known != icons_.end()) {
-                return known->second;
-            }
-        }
-        QImage found = themeIcon(theme, name, iconSize); // may hang
+    std::optional<QImage> find(const IconTheme& theme, const QString& name) {
         const std::lock_guard lock(mutex_);
-        icons_.emplace(name, found);
-        return found;
+        const auto known = icons_.find(name);
+        return isOf(theme) && known != icons_.end() ? std::optional(known->second) : std::nullopt;
+    }
+
+    void add(const IconTheme& theme, const QString& name, const QImage& icon) {
+        const std::lock_guard lock(mutex_);
+        if (!isOf(theme)) {
+            theme_ = theme;
+            icons_.clear();
+        }
+        icons_[name] = icon;
     }
 
 private:
+    [[nodiscard]] bool isOf(const IconTheme& theme) const {
+        return theme.names == theme_.names && theme.folders == theme_.folders;
+    }
+
     std::mutex mutex_; ///< guards the following
     IconTheme theme_;
     std::map<QString, QImage> icons_;
 };
+
+KnownIcons& knownIcons() {
+    static KnownIcons known;
+    return known;
+}
 
 /// The type goes by the name, but for what is no regular file. Not asked of the database with the path: it
 /// would look at the disk with a lock held that everybody needs.
@@ -102,16 +109,29 @@ QMimeType typeOf(const std::string& path, const QString& name) {
 
 } // namespace
 
-QImage iconForFile(const std::string& path, const QString& name, const IconTheme& theme) {
+QStringList iconNamesForFile(const std::string& path, const QString& name) {
     const QMimeType type = typeOf(path, name);
-    static KnownIcons known;
-    for (const QString& iconName : {type.iconName(), type.genericIconName()}) {
-        QImage icon = known.icon(theme, iconName);
-        if (!icon.isNull()) {
+    return {type.iconName(), type.genericIconName()};
+}
+
+std::optional<QImage> knownIcon(const QStringList& names, const IconTheme& theme) {
+    for (const QString& name : names) {
+        std::optional<QImage> icon = knownIcons().find(theme, name);
+        if (!icon || !icon->isNull()) {
             return icon;
         }
     }
     return unknownFileIcon();
+}
+
+void lookUpIcon(const QStringList& names, const IconTheme& theme) {
+    QImage icon;
+    for (const QString& name : names) {
+        if (icon.isNull()) {
+            icon = themeIcon(theme, name, iconSize);
+            knownIcons().add(theme, name, icon);
+        }
+    }
 }
 
 QImage unknownFileIcon() {

@@ -42,33 +42,6 @@ struct Found {
     int distance = 0;
 };
 
-/// Looks through one theme in one of the folders, and adds those that it inherits from to `themes`.
-void search(const QString& folder, const QString& name, int size, Found* best, QStringList* themes) {
-    const QString file = folder + QStringLiteral("/index.theme");
-    if (!QFile::exists(file)) {
-        return;
-    }
-    const QSettings index(file, QSettings::IniFormat);
-    for (const QString& parent : listOf(index.value(QStringLiteral("Icon Theme/Inherits")))) {
-        if (!themes->contains(parent.trimmed())) {
-            themes->append(parent.trimmed());
-        }
-    }
-    for (const QString& icons : listOf(index.value(QStringLiteral("Icon Theme/Directories")))) {
-        const int apart = distance(index, icons, size);
-        if (!best->file.isEmpty() && apart >= best->distance) {
-            continue;
-        }
-        for (const char* suffix : {".svg", ".png"}) {
-            const QString path = folder + u'/' + icons + u'/' + name + QLatin1StringView(suffix);
-            if (QFile::exists(path)) {
-                *best = {path, apart};
-                break;
-            }
-        }
-    }
-}
-
 QImage imageOf(const QString& file, int size) {
     QImageReader reader(file);
     if (file.endsWith(QLatin1StringView(".svg"))) {
@@ -76,6 +49,78 @@ QImage imageOf(const QString& file, int size) {
     }
     return reader.read();
 }
+
+/// One search, through a theme and then through those that it inherits from.
+class Search {
+public:
+    Search(const QStringList& folders, const QString& name, int size)
+        : folders_(folders), name_(name), size_(size) {}
+
+    QImage in(const QString& theme) {
+        constexpr qsizetype mostThemes = 20; // one may inherit from many, which an index says
+        if (seen_.contains(theme) || seen_.size() == mostThemes) {
+            return {};
+        }
+        seen_.append(theme);
+        const QString file = indexOf(theme);
+        if (file.isEmpty()) {
+            return {};
+        }
+        const QSettings index(file, QSettings::IniFormat);
+        const QString icon = nearest(theme, index);
+        QImage image = icon.isEmpty() ? QImage() : imageOf(icon, size_);
+        for (const QString& parent : listOf(index.value(QStringLiteral("Icon Theme/Inherits")))) {
+            image = image.isNull() ? in(parent.trimmed()) : image;
+        }
+        return image;
+    }
+
+private:
+    /// A theme may be spread over several folders, the first index of which counts.
+    [[nodiscard]] QString indexOf(const QString& theme) const {
+        for (const QString& folder : folders_) {
+            QString file = folder + u'/' + theme + QStringLiteral("/index.theme");
+            if (QFile::exists(file)) {
+                return file;
+            }
+        }
+        return {};
+    }
+
+    [[nodiscard]] QString nearest(const QString& theme, const QSettings& index) const {
+        QString best;
+        int bestDistance = 0;
+        for (const QString& icons : listOf(index.value(QStringLiteral("Icon Theme/Directories")))) {
+            const int apart = distance(index, icons, size_);
+            if (!best.isEmpty() && apart >= bestDistance) {
+                continue;
+            }
+            const QString found = fileIn(theme + u'/' + icons);
+            if (!found.isEmpty()) {
+                best = found;
+                bestDistance = apart;
+            }
+        }
+        return best;
+    }
+
+    [[nodiscard]] QString fileIn(const QString& icons) const {
+        for (const QString& folder : folders_) {
+            for (const char* suffix : {".svg", ".png"}) {
+                QString path = folder + u'/' + icons + u'/' + name_ + QLatin1StringView(suffix);
+                if (QFile::exists(path)) {
+                    return path;
+                }
+            }
+        }
+        return {};
+    }
+
+    const QStringList& folders_;
+    const QString& name_;
+    int size_;
+    QStringList seen_;
+};
 
 } // namespace
 
@@ -86,23 +131,12 @@ IconTheme IconTheme::current() {
 }
 
 QImage themeIcon(const IconTheme& theme, const QString& name, int size) {
-    constexpr qsizetype mostThemes = 20; // one may inherit from many, which an index says
-    QStringList themes = theme.names;
-    const QString last = QStringLiteral("hicolor");
-    for (qsizetype i = 0; i < std::min(themes.size(), mostThemes); ++i) {
-        Found best;
-        for (const QString& folder : theme.folders) {
-            search(folder + u'/' + themes.at(i), name, size, &best, &themes);
-        }
-        QImage image = best.file.isEmpty() ? QImage() : imageOf(best.file, size);
-        if (!image.isNull()) {
-            return image;
-        }
-        if (i + 1 == themes.size() && !themes.contains(last)) {
-            themes.append(last);
-        }
+    Search search(theme.folders, name, size);
+    QImage image;
+    for (const QString& themeName : theme.names + QStringList{QStringLiteral("hicolor")}) {
+        image = image.isNull() ? search.in(themeName) : image;
     }
-    return {};
+    return image;
 }
 
 } // namespace sonarin

@@ -3,7 +3,7 @@
 
 #include "platform/desktop/imageResolution.h"
 
-#include <QBuffer>
+#include <QIODevice>
 #include <QImageReader>
 #include <algorithm>
 
@@ -16,22 +16,32 @@ double points(int pixels, double dotsPerInch) {
     return dotsPerInch > 0 ? pixels * pointsPerInch / dotsPerInch : pixels;
 }
 
-/// The bytes as long as they are wanted: a decoder that gets no more of them ends.
-class WantedBytes final : public QBuffer {
+/// The bytes as long as they are wanted: a decoder that gets no more of them ends. Not a QBuffer, whose
+/// memory some decoders read without asking.
+class WantedBytes final : public QIODevice {
 public:
-    WantedBytes(QByteArray* bytes, const std::atomic<bool>* isWanted) : QBuffer(bytes), isWanted_(isWanted) {
+    WantedBytes(std::span<const std::uint8_t> bytes, const std::atomic<bool>* isWanted)
+        : bytes_(bytes), isWanted_(isWanted) {
         open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
 
     [[nodiscard]] bool areWanted() const { return isWanted_ == nullptr || *isWanted_; }
+    [[nodiscard]] qint64 size() const override { return static_cast<qint64>(bytes_.size()); }
 
 protected:
-    qint64 readData(char* data, qint64 size) override {
-        constexpr qint64 piece = 65536; // some formats are read in one go
-        return areWanted() ? QBuffer::readData(data, std::min(size, piece)) : -1;
+    qint64 readData(char* data, qint64 most) override {
+        if (!areWanted()) {
+            return -1;
+        }
+        const auto start = static_cast<std::size_t>(std::min(pos(), size()));
+        const std::size_t count = std::min(static_cast<std::size_t>(most), bytes_.size() - start);
+        std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(start), count, data);
+        return static_cast<qint64>(count);
     }
+    qint64 writeData(const char* /*data*/, qint64 /*size*/) override { return -1; }
 
 private:
+    std::span<const std::uint8_t> bytes_;
     const std::atomic<bool>* isWanted_;
 };
 
@@ -44,10 +54,7 @@ QImage forScreen(QImage image) {
 }
 
 std::unique_ptr<HostPicture> decode(std::span<const std::uint8_t> bytes, const std::atomic<bool>* isWanted) {
-    // NOLINTNEXTLINE(*-reinterpret-cast)
-    const auto* characters = reinterpret_cast<const char*>(bytes.data());
-    QByteArray view = QByteArray::fromRawData(characters, static_cast<qsizetype>(bytes.size()));
-    WantedBytes buffer(&view, isWanted);
+    WantedBytes buffer(bytes, isWanted);
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
     QImage image = reader.read();

@@ -123,9 +123,9 @@ SideWork::JobRef SideWork::start(std::string path, std::function<void()> work, s
     auto job = std::make_shared<Job>(Job{std::move(path), std::move(work), std::move(done)});
     const std::lock_guard lock(shared_->mutex);
     shared_->waiting.push_back(job);
-    if (shared_->waiting.size() <= shared_->idleThreads) {
-        shared_->canBegin.notify_one();
-    } else if (shared_->threads < mostThreads) {
+    // Some that wait may have to go on waiting: both the idle thread and a new one look what may begin.
+    shared_->canBegin.notify_one();
+    if (shared_->waiting.size() > shared_->idleThreads && shared_->threads < mostThreads) {
         startThread(shared_);
     }
     return job;

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "platform/desktop/iconTheme.h"
+#include "platform/desktop/qtPicture.h"
 #include "tests/support/sampleBytes.h"
 #include "tests/window/windowSupport.h"
 
@@ -9,6 +11,7 @@
 #include <QClipboard>
 #include <QDropEvent>
 #include <QImage>
+#include <atomic>
 #include <filesystem>
 #include <vector>
 
@@ -252,6 +255,56 @@ TEST_F(PanelWindow, TakesPathsFromOutside) {
     linkEnters.ignore();
     QApplication::sendEvent(controller->myWindow, &linkEnters);
     EXPECT_FALSE(linkEnters.isAccepted());
+}
+
+TEST(Pictures, AreDecodedWholeOrNotAtAll) {
+    for (const char* format : {"BMP", "PPM", "PNG", "JPG"}) {
+        const std::string picture = cover(format, 2835);
+        const auto* first = reinterpret_cast<const std::uint8_t*>(picture.data());
+        std::atomic<bool> isWanted = true;
+        const auto decoded = makeHostPicture({first, picture.size()}, &isWanted);
+        const auto* shown = dynamic_cast<const QtPicture*>(decoded.get());
+        ASSERT_NE(shown, nullptr) << format;
+        EXPECT_GT(shown->image().pixelColor(499, 249).red(), 250) << format;
+        EXPECT_LT(shown->image().pixelColor(499, 249).green(), 5) << format;
+        isWanted = false;
+        EXPECT_EQ(makeHostPicture({first, picture.size()}, &isWanted), nullptr) << format;
+    }
+}
+
+TEST(IconThemes, AreSearchedAsTheyInherit) {
+    const TestFolder folder;
+    const auto addIcon = [&](const std::string& place, Qt::GlobalColor colour) {
+        std::filesystem::create_directories(folder.path(place));
+        QImage image(48, 48, QImage::Format_RGB32);
+        image.fill(colour);
+        image.save(QString::fromStdString(folder.path(place + "/sound.png")));
+    };
+    const auto addIndex = [&](const std::string& theme, const std::string& inherits) {
+        (void)folder.write(theme + "/index.theme", "[Icon Theme]\nName=x\nDirectories=48,big\nInherits=" +
+                                                       inherits + "\n[48]\nSize=48\n[big]\nSize=256\n");
+    };
+    addIcon("home/mine/48", Qt::red); // the user's addition to a theme of the system
+    addIcon("system/mine/big", Qt::green);
+    addIcon("system/parent/48", Qt::blue);
+    addIcon("system/other/48", Qt::yellow);
+    addIndex("system/mine", "parent");
+    addIndex("system/parent", "mine"); // which leads nowhere
+    std::filesystem::create_directory(folder.path("system/child"));
+    addIndex("system/child", "parent");
+    addIndex("system/other", "");
+    const auto colour = [&](const QStringList& themes, int size) {
+        const IconTheme theme = {
+            themes,
+            {QString::fromStdString(folder.path("home")), QString::fromStdString(folder.path("system"))}};
+        const QImage icon = themeIcon(theme, QStringLiteral("sound"), size);
+        return icon.isNull() ? QColor() : icon.pixelColor(5, 5);
+    };
+    EXPECT_EQ(colour({"mine"}, 48), QColor(Qt::red));
+    EXPECT_EQ(colour({"mine"}, 200), QColor(Qt::green));
+    EXPECT_EQ(colour({"child", "other"}, 48), QColor(Qt::blue));
+    EXPECT_EQ(colour({"missing", "other"}, 48), QColor(Qt::yellow));
+    EXPECT_EQ(colour({"missing"}, 48), QColor());
 }
 
 TEST_F(PanelWindow, ConnectsEveryActionOfItsInterface) {
