@@ -3,7 +3,7 @@
 
 #include "app/shownFile.h"
 #include "cli/jsonOutput.h"
-#include "cli/outputBuffer.h"
+#include "app/outputBuffer.h"
 #include "engine/fileEngine.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "cli/complaint.h"
 
-#include "cli/outputBuffer.h"
-#include "cli/textOutput.h"
+#include "app/outputBuffer.h"
+#include "app/textOutput.h"
 #include "engine/fileEngine.h"
 #include "text/stringEngine.h"
 
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -47,10 +46,6 @@ std::string complaintAbout(const SvxStringRef& path, std::string_view message) {
 
 std::string complaintOf(std::string_view message) {
     return line(nullptr, message);
-}
-
-std::string hostErrorText(int error) {
-    return std::generic_category().message(error);
 }
 
 void complain(std::string_view complaint) {

@@ -14,9 +14,6 @@ enum ExitStatus : int { exitAllRead = 0, exitNotRead = 1, exitUsage = 2 };
 [[nodiscard]] std::string complaintAbout(const SvxStringRef& path, std::string_view message);
 [[nodiscard]] std::string complaintOf(std::string_view message);
 
-/// What the host says about an error number.
-[[nodiscard]] std::string hostErrorText(int error);
-
 /// Prints it on standard error.
 void complain(std::string_view complaint);
 

@@ -4,6 +4,7 @@
 #include "cli/complaint.h"
 #include "engine/audioMetaData.h"
 #include "engine/fileEngine.h"
+#include "platform/host/errorText.h"
 
 #include <algorithm>
 #include <cerrno>

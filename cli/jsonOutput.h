@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/outputBuffer.h"
 #include "app/shownFile.h"
-#include "cli/outputBuffer.h"
 
 namespace sonarin {
 

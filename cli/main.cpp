@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include "app/coverFile.h"
+#include "app/failureCause.h"
+#include "app/outputBuffer.h"
 #include "app/shownFile.h"
 #include "cli/commandLine.h"
 #include "cli/complaint.h"
-#include "cli/coverFile.h"
-#include "cli/failureCause.h"
-#include "cli/outputBuffer.h"
 #include "cli/showFiles.h"
 #include "engine/fileEngine.h"
 #include "text/CMMCoreFunctions.h"
@@ -22,9 +22,12 @@ namespace {
 int writeCoverOf(const CommandLine& call) {
     const ShownFile file = readShownFile(feMakePathText(call.files.front()), {Pictures::load});
     if (!file.isRead()) {
-        complain(complaintAbout(file.path, failureCause(file)));
+        complain(complaintAbout(file.path, failureCause(file.path, file.type)));
     }
-    const std::string failure = writeCover(file, call.coverTarget, call.force);
+    const std::string failure =
+        file.record.mp3CoverArt
+            ? writeCover(file.path, file.record.mp3CoverArt.view(), call.coverTarget, call.force)
+            : "The file holds no cover picture";
     if (!failure.empty()) {
         complain(complaintAbout(file.path, failure));
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "cli/outputBuffer.h"
+#include "app/outputBuffer.h"
 #include "cli/spillFile.h"
 
 #include <atomic>

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "cli/showFiles.h"
 
+#include "app/failureCause.h"
 #include "app/shownFile.h"
+#include "app/textOutput.h"
 #include "cli/complaint.h"
 #include "cli/endSignals.h"
-#include "cli/failureCause.h"
 #include "cli/fileNames.h"
 #include "cli/jsonOutput.h"
 #include "cli/orderedOutput.h"
-#include "cli/textOutput.h"
 #include "engine/fileEngine.h"
+#include "platform/host/errorText.h"
 
 #include <algorithm>
 #include <atomic>
@@ -131,9 +132,9 @@ private:
         if (isJson()) {
             appendJson(out, file);
         } else {
-            appendText(out, file, inColour_);
+            appendText(out, file.path, file.attributes, file.isRead() ? &file.record : nullptr, inColour_);
         }
-        return file.isRead() ? std::string() : complaintAbout(file.path, failureCause(file));
+        return file.isRead() ? std::string() : complaintAbout(file.path, failureCause(file.path, file.type));
     }
 
     // --- when there are many files ------------------------------------------------------------------

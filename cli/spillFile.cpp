@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/spillFile.h"
 
-#include "cli/outputBuffer.h"
+#include "app/outputBuffer.h"
 
 #include <algorithm>
 #include <array>

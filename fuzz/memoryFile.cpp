@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz/memoryFile.h"
 
+#include "app/outputBuffer.h"
 #include "app/shownFile.h"
+#include "app/textOutput.h"
 #include "cli/jsonOutput.h"
-#include "cli/outputBuffer.h"
-#include "cli/textOutput.h"
 #include "engine/fileEngine.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
@@ -52,7 +52,7 @@ void printRecord(const SvxStringRef& path, audioTags&& record) {
     FileSink sink(nowhere);
     OutputBuffer out(sink);
     appendJson(out, file);
-    appendText(out, file, false);
+    appendText(out, file.path, file.attributes, file.isRead() ? &file.record : nullptr, false);
     out.flush();
 }
 

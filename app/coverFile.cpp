@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "cli/coverFile.h"
+#include "app/coverFile.h"
 
-#include "cli/complaint.h"
-#include "cli/outputBuffer.h"
+#include "app/outputBuffer.h"
 #include "engine/fileEngine.h"
+#include "platform/host/errorText.h"
 #include "platform/host/fileDescriptor.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -27,17 +29,42 @@ std::string writeAll(int descriptor, ByteView bytes) {
     return error == 0 ? std::string() : hostErrorText(error);
 }
 
+/// The bytes by which the formats that people embed are told apart; "?" stands for any.
+struct Signature {
+    std::string_view bytes;
+    std::string_view extension;
+};
+constexpr std::array<Signature, 8> signatures = {{
+    {"\xFF\xD8\xFF", "jpg"},
+    {"\x89PNG\r\n\x1A\n", "png"},
+    {"GIF8", "gif"},
+    {"BM", "bmp"},
+    {"RIFF????WEBP", "webp"},
+    {{"II*\0", 4}, "tiff"},
+    {{"MM\0*", 4}, "tiff"},
+    {"????ftypavif", "avif"},
+}};
+
 } // namespace
 
-std::string writeCover(const ShownFile& file, const std::string& target, bool force) {
-    if (!file.record.mp3CoverArt) {
-        return "The file holds no cover picture";
+std::string_view pictureExtension(ByteView picture) noexcept {
+    const std::string_view content = asCharacters(picture);
+    for (const Signature& known : signatures) {
+        const auto fits = [](char expected, char byte) { return expected == '?' || byte == expected; };
+        if (content.size() >= known.bytes.size() &&
+            std::equal(known.bytes.begin(), known.bytes.end(), content.begin(), fits)) {
+            return known.extension;
+        }
     }
+    return "bin";
+}
+
+std::string writeCover(const SvxStringRef& path, ByteView cover, const std::string& target, bool force) {
     if (target == "-") {
-        return writeAll(STDOUT_FILENO, file.record.mp3CoverArt.view());
+        return writeAll(STDOUT_FILENO, cover);
     }
     FSRef audio;
-    if (feMakeFSRefFromPath(file.path, &audio) == fileNoErr && isSameFile(target, audio.path)) {
+    if (feMakeFSRefFromPath(path, &audio) == fileNoErr && isSameFile(target, audio.path)) {
         return "The cover would replace the audio file itself";
     }
     const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | (force ? O_TRUNC : O_EXCL);
@@ -45,7 +72,7 @@ std::string writeCover(const ShownFile& file, const std::string& target, bool fo
     if (!out) {
         return target + ": " + hostErrorText(errno) + (errno == EEXIST ? " (--force replaces it)" : "");
     }
-    std::string failure = writeAll(out.get(), file.record.mp3CoverArt.view());
+    std::string failure = writeAll(out.get(), cover);
     if (failure.empty()) {
         return failure;
     }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "cli/outputBuffer.h"
+#include "app/outputBuffer.h"
 
 #include <cerrno>
 #include <charconv>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "cli/textOutput.h"
+#include "app/textOutput.h"
 
 #include "app/panelTexts.h"
 #include "engine/fileEngine.h"
@@ -111,14 +111,15 @@ void appendForTerminal(OutputBuffer& out, const SvxStringRef& text) {
     });
 }
 
-void appendText(OutputBuffer& out, const ShownFile& file, bool inColour) {
+void appendText(OutputBuffer& out, const SvxStringRef& path, const HostFileAttributes& attributes,
+                const audioTags* record, bool inColour) {
     FieldList list(out, inColour);
-    list.field("Name", feLastPathComponent(file.path));
-    list.field("Size", panelFileSize(file.attributes));
-    if (!file.isRead()) {
+    list.field("Name", feLastPathComponent(path));
+    list.field("Size", panelFileSize(attributes));
+    if (record == nullptr) {
         return;
     }
-    const PanelFacts facts = panelFacts(file.record);
+    const PanelFacts facts = panelFacts(*record);
     list.field("Title", facts.id3SongTitleField);
     list.field("Artist", facts.id3ArtistField);
     list.field("Album", facts.id3AlbumField);
@@ -132,12 +133,12 @@ void appendText(OutputBuffer& out, const ShownFile& file, bool inColour) {
     list.field("Channels", facts.id3ChannelsField);
     list.field("Encoder", facts.id3EncoderAppField);
     list.field("Tag", facts.id3TagVersionField);
-    if (file.record.mp3CoverArtPlace.size != 0) {
+    if (record->mp3CoverArtPlace.size != 0) {
         list.field("Cover",
-                   SvxStringCreateWithFormat("%@, %li bytes", {fourCharacterText(file.record.mp3CoverArtType),
-                                                               file.record.mp3CoverArtPlace.size}));
+                   SvxStringCreateWithFormat("%@, %li bytes", {fourCharacterText(record->mp3CoverArtType),
+                                                               record->mp3CoverArtPlace.size}));
     }
-    list.field("Lyrics", file.record.mp3LyricsString);
+    list.field("Lyrics", record->mp3LyricsString);
 }
 
 } // namespace sonarin

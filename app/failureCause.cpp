@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "cli/failureCause.h"
+#include "app/failureCause.h"
 
-#include "cli/complaint.h"
+#include "engine/audioMetaData.h"
 #include "engine/fileEngine.h"
+#include "platform/host/errorText.h"
 #include "platform/host/fileDescriptor.h"
 
 #include <cerrno>
@@ -30,10 +31,10 @@ const char* missingPart(std::int32_t type) {
 
 } // namespace
 
-std::string failureCause(const ShownFile& file) {
+std::string failureCause(const SvxStringRef& path, std::int32_t type) {
     FSRef ref;
     struct stat status {};
-    if (feMakeFSRefFromPath(file.path, &ref) != fileNoErr) {
+    if (feMakeFSRefFromPath(path, &ref) != fileNoErr) {
         return hostErrorText(ENOENT);
     }
     if (stat(ref.path.c_str(), &status) != 0) {
@@ -45,7 +46,7 @@ std::string failureCause(const ShownFile& file) {
     if (!S_ISREG(status.st_mode)) {
         return "Not a regular file";
     }
-    if (file.type == amdTypeNone) {
+    if (type == amdTypeNone) {
         return "Not an audio file, going by its name and type codes";
     }
     if (!openRegularFile(ref.path)) {
@@ -54,7 +55,7 @@ std::string failureCause(const ShownFile& file) {
     if (status.st_size == 0) {
         return "The file is empty";
     }
-    return missingPart(file.type);
+    return missingPart(type);
 }
 
 } // namespace sonarin
