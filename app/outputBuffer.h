@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -29,6 +30,16 @@ public:
 
 private:
     int descriptor_;
+};
+
+/// A text in memory.
+class StringSink final : public OutputSink {
+public:
+    int write(std::string_view bytes) override {
+        text += bytes;
+        return 0;
+    }
+    std::string text;
 };
 
 /// Output gathered so that what belongs together leaves in one piece. However long a text is, no more of it

@@ -107,4 +107,12 @@ bool canTellTwitter(const audioTags& record) noexcept {
     return SvxStringIsValid(record.mp3SongTitleString) && SvxStringIsValid(record.mp3ArtistString);
 }
 
+SvxStringRef withoutTerminators(const SvxStringRef& text) noexcept {
+    SvxIndex length = SvxStringGetLength(text);
+    while (length > 0 && SvxStringGetUniChar(text, length - 1) == u'\0') {
+        --length;
+    }
+    return length == SvxStringGetLength(text) ? text : SvxStringCreateWithSubstring(text, 0, length);
+}
+
 } // namespace sonarin

@@ -44,6 +44,9 @@ struct PanelFacts {
 [[nodiscard]] SvxStringRef panelLyrics(const audioTags& record) noexcept;
 [[nodiscard]] bool hasLyrics(const audioTags& record) noexcept;
 
+/// A text without the zero characters at its end: a tag text in UTF-16 keeps its terminator.
+[[nodiscard]] SvxStringRef withoutTerminators(const SvxStringRef& text) noexcept;
+
 /// Whether there is something to tell the world: both title and artist are present.
 [[nodiscard]] bool canTellTwitter(const audioTags& record) noexcept;
 

@@ -55,15 +55,6 @@ void appendEscape(OutputBuffer& out, CodePoint character) {
     out.append('}');
 }
 
-/// A text without the zero characters at its end: a tag text in UTF-16 keeps its terminator.
-SvxStringRef withoutTerminators(const SvxStringRef& text) {
-    SvxIndex length = SvxStringGetLength(text);
-    while (length > 0 && SvxStringGetUniChar(text, length - 1) == u'\0') {
-        --length;
-    }
-    return length == SvxStringGetLength(text) ? text : SvxStringCreateWithSubstring(text, 0, length);
-}
-
 class FieldList {
 public:
     FieldList(OutputBuffer& out, bool inColour) : out_(out), inColour_(inColour) {}

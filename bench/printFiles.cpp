@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "bench/printFiles.h"
 
+#include "app/outputBuffer.h"
 #include "app/shownFile.h"
 #include "cli/jsonOutput.h"
-#include "app/outputBuffer.h"
 #include "engine/fileEngine.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"

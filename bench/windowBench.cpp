@@ -202,7 +202,7 @@ void measureHeavy(const TestFolder& folder, const char* kind, const std::string&
     beat.start(1);
     const double filled = millisecondsOf([&] {
         QTimer::singleShot(0, &controller, [&] { controller.updateValuesForNewPath(path); });
-        waitFor([&] { return controller.lastPath == path && controller.readingField->isHidden(); }, 60000);
+        waitFor([&] { return controller.lastPath == path && !controller.isReading(); }, 60000);
     });
     controller.myWindow->grab();
     runFor(100);

@@ -13,15 +13,6 @@ namespace sonarin {
 
 namespace {
 
-class StringSink final : public OutputSink {
-public:
-    int write(std::string_view bytes) override {
-        text += bytes;
-        return 0;
-    }
-    std::string text;
-};
-
 std::string line(const SvxStringRef& path, std::string_view message) {
     constexpr SvxIndex longest = 4096; // the host's own limit
     StringSink sink;

@@ -4,6 +4,8 @@
 #include "app/panelTexts.h"
 #include "app/shownFile.h"
 #include "app/window/FollowStatus.h"
+#include "app/window/accessibility.h"
+#include "app/window/auxiliaryWindow.h"
 #include "app/window/cocoaUtils.h"
 #include "platform/desktop/desktopPrograms.h"
 #include "platform/desktop/fileUri.h"
@@ -19,7 +21,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMetaMethod>
-#include <QShortcut>
 #include <QTextDocument>
 #include <chrono>
 
@@ -36,15 +37,16 @@ constexpr QLatin1StringView windowGeometry("windowGeometry");
 constexpr QLatin1StringView
     openFilters("Audio files (*.mp3 *.m4a *.aac *.m4b *.m4p *.m4r *.wav *.wave *.aif *.aiff);;All files (*)");
 
-/// The item of the menu that stands for a sync kind; item 1 is the line between the others.
+/// The item of the menu and the command that stand for a sync kind; item 1 is the line between the others.
 struct SyncItem {
     AppController::SyncKind kind;
     int index;
+    const char* command;
 };
 constexpr std::array<SyncItem, 3> syncItems = {{
-    {AppController::finderSelection, 0},
-    {AppController::iTunesCurrentSong, 2},
-    {AppController::iTunesSelection, 3},
+    {AppController::finderSelection, 0, "followFileManagerAction"},
+    {AppController::iTunesCurrentSong, 2, "followTrackAction"},
+    {AppController::iTunesSelection, 3, "followPlayerAction"},
 }};
 
 /// The path that a text is meant for.
@@ -76,25 +78,21 @@ bool isForUs(const QMimeData* data) {
     return data->hasUrls() ? !filesIn(data).isEmpty() : data->hasText();
 }
 
-void closeByKey(QWidget* window) {
-    for (const QKeySequence& key : {QKeySequence(QKeySequence::Close), QKeySequence(Qt::Key_Escape)}) {
-        QObject::connect(new QShortcut(key, window), &QShortcut::activated, window, &QWidget::close);
-    }
-}
-
 } // namespace
 
 AppController::AppController(SelectionSources* sources, UserDefaults* defaults, QObject* parent)
     : QObject(parent), sources_(sources), defaults_(defaults) {
     initStringBundle(bundleIdentifier);
     svxStringInitString();
+    describeToScreenReaders();
     loadInterface();
     awakeFromNib();
 }
 
 AppController::~AppController() {
+    disconnect(qApp, nullptr, this, nullptr); // the focus still changes while the window goes
     endReading();
-    defaults_->set(windowGeometry, myWindow->saveGeometry());
+    defaults_->keep(windowGeometry, myWindow->saveGeometry());
 }
 
 void AppController::loadInterface() {
@@ -102,13 +100,13 @@ void AppController::loadInterface() {
     myWindow = mainWindow_.get();
     Ui::MainWindow main;
     main.setupUi(myWindow);
+    main.panelView->adopt();
     fileIconField = main.fileIconField;
     fileNameField = main.fileNameField;
     fileSizeField = main.fileSizeField;
     id3DurationField = main.id3DurationField;
     id3BitrateEtcField = main.id3BitrateEtcField;
     id3SongTitleField = main.id3SongTitleField;
-    readingField = main.readingField;
     id3ArtistField = main.id3ArtistField;
     id3AlbumField = main.id3AlbumField;
     id3YearField = main.id3YearField;
@@ -128,8 +126,6 @@ void AppController::loadInterface() {
     editTagsPopup = main.editTagsPopup;
     lyricsButton = main.lyricsButton;
     twitterButton = main.twitterButton;
-    lyricsAction_ = main.lyricsAction;
-    twitterAction_ = main.twitterAction;
 
     connectActions(myWindow);
 }
@@ -200,45 +196,76 @@ void AppController::awakeFromNib() {
     gUpdateTimer->start(std::chrono::milliseconds(200));
     connect(sources_, &SelectionSources::answered, this, &AppController::takeAnswer, Qt::QueuedConnection);
 
+    setUpFollowing();
+    setUpMenus();
+
+    readingTimer_.setInterval(std::chrono::milliseconds(100));
+    readingTimer_.callOnTimeout(this, &AppController::showReading);
+
+    connect(editTagsPopup, &PullDownButton::aboutToPullDown, this, &AppController::addInstalledEditors);
+    QTimer::singleShot(std::chrono::seconds(1), this, SLOT(lookForEditors()));
+    myWindow->restoreGeometry(defaults_->value(windowGeometry).toByteArray());
+    myWindow->installEventFilter(this);
+    syncCheckbox->setFocus();
+    defaults_->whenNotStored(
+        [this] { say(QStringLiteral("The settings cannot be stored, and will be forgotten")); });
+    showFollowStatus();
+    clearFacts();
+    constexpr int iconSize = 256;
+    fileIconField->setIcon(QApplication::windowIcon().pixmap(iconSize, iconSize).toImage());
+    enableTwitterButton();
+    updateCommands();
+}
+
+// --- following --------------------------------------------------------------------------------------------
+
+void AppController::setUpFollowing() {
     syncMenu->insertSeparator(1);
     syncType = defaults_->integer(syncKindDefaultKey);
-    const auto* item = std::find_if(syncItems.begin(), syncItems.end(),
-                                    [this](const SyncItem& known) { return known.kind == syncType; });
-    if (item == syncItems.end()) {
+    const bool isKnown = std::any_of(syncItems.begin(), syncItems.end(),
+                                     [this](const SyncItem& item) { return item.kind == syncType; });
+    if (!isKnown) {
         syncType = finderSelection;
-        item = syncItems.begin();
     }
-    syncMenu->setCurrentIndex(item->index);
-    connect(syncMenu, &QComboBox::activated, this, [this](int index) {
-        for (const SyncItem& chosen : syncItems) {
-            if (chosen.index == index) {
-                useForSync(chosen.kind);
-            }
-        }
-    });
+    syncKinds_ = std::make_unique<QActionGroup>(nullptr);
+    for (const SyncItem& item : syncItems) {
+        QAction* choose = syncKinds_->addAction(command(item.command));
+        connect(choose, &QAction::triggered, this, [this, index = item.index] { chooseSyncItem(index); });
+    }
+    connect(syncMenu, &QComboBox::activated, this, &AppController::chooseSyncItem);
+    showSyncKind();
+
     syncCheckbox->setChecked(defaults_->integer(finderSync) != 0);
-    connect(syncCheckbox, &QCheckBox::toggled, this, [this](bool isOn) {
+    QAction* follow = command("followAction");
+    follow->setChecked(syncCheckbox->isChecked());
+    connect(follow, &QAction::toggled, syncCheckbox, &QCheckBox::setChecked);
+    connect(syncCheckbox, &QCheckBox::toggled, this, [this, follow](bool isOn) {
+        follow->setChecked(isOn);
         defaults_->set(finderSync, isOn ? QStringLiteral("1") : QStringLiteral("0"));
         startFollowing();
         showFollowStatus();
     });
     connect(followStatusField, &QLabel::linkActivated, this, &AppController::showConnectors);
     following_.start();
-
-    readingTimer_.setInterval(std::chrono::milliseconds(100));
-    readingTimer_.callOnTimeout(this, &AppController::showReading);
-
-    connect(editTagsPopup, &PullDownButton::aboutToPullDown, this, &AppController::addInstalledEditors);
-    myWindow->restoreGeometry(defaults_->value(windowGeometry).toByteArray());
-    myWindow->installEventFilter(this);
-    syncCheckbox->setFocus();
-    clearFacts();
-    constexpr int iconSize = 256;
-    fileIconField->setIcon(QApplication::windowIcon().pixmap(iconSize, iconSize).toImage());
-    enableTwitterButton();
 }
 
-// --- following --------------------------------------------------------------------------------------------
+void AppController::chooseSyncItem(int index) {
+    for (const SyncItem& chosen : syncItems) {
+        if (chosen.index == index) {
+            useForSync(chosen.kind);
+            showSyncKind();
+        }
+    }
+}
+
+void AppController::showSyncKind() {
+    for (const SyncItem& item : syncItems) {
+        if (item.kind == syncType) {
+            syncMenu->setCurrentIndex(item.index);
+            command(item.command)->setChecked(true);
+        }
+    }
+}
 
 void AppController::useForSync(SyncKind kind) {
     syncType = kind;
@@ -290,9 +317,10 @@ void AppController::showFollowStatus() {
             status = followStatus(question(), teller, sources_->answer(question()));
         }
     }
-    if (status != followStatusField->text()) {
-        followStatusField->setText(status);
+    if (!syncCheckbox->isChecked() && lastPath.isNull()) {
+        status = QStringLiteral("Drop an audio file here, or turn on Follow");
     }
+    followStatusField->setFollowing(status);
 }
 
 void AppController::showConnectors() {
@@ -354,7 +382,23 @@ bool AppController::isITunesRunning() {
 
 bool AppController::applicationOpenFile(const QString& path) {
     showMainWindow();
+    noteOpened(path);
     return updateValuesForNewPath(path);
+}
+
+/// A file is remembered once it was read, which one that is shown already has been.
+void AppController::noteOpened(const QString& path) {
+    openedPath_ = path;
+    if (path == lastPath && isFileRead_) {
+        rememberOpened();
+    }
+}
+
+void AppController::rememberOpened() {
+    FSRef ref;
+    (void)feMakeFSRefFromPath(cocoaUtils::textFromString(openedPath_), &ref);
+    recentFiles_->add(QByteArray::fromStdString(ref.path));
+    openedPath_ = QString();
 }
 
 void AppController::openFiles(const QList<QByteArray>& paths) {
@@ -381,7 +425,9 @@ void AppController::openFileUserDataError(const QMimeData* pasteboard) {
     showMainWindow();
     constexpr qsizetype longestPath = 12288; // every byte escaped
     if (pasteboard != nullptr && pasteboard->hasText() && pasteboard->text().size() <= longestPath) {
-        updateValuesForNewPath(pathFromText(pasteboard->text()));
+        const QString path = pathFromText(pasteboard->text());
+        noteOpened(path);
+        updateValuesForNewPath(path);
     }
 }
 
@@ -395,19 +441,8 @@ bool AppController::applicationShouldTerminateAfterLastWindowClosed() {
 }
 
 void AppController::showMainWindow() {
-    myWindow->setWindowState(myWindow->windowState() & ~Qt::WindowMinimized);
-    myWindow->show();
-    myWindow->raise();
-    myWindow->activateWindow();
+    bringToFront(myWindow);
     qunsetenv("XDG_ACTIVATION_TOKEN"); // is good for one activation, and not for programs started from here
-}
-
-/// What is selected in the field that has the keyboard.
-void AppController::copy() {
-    const auto* label = qobject_cast<QLabel*>(QApplication::focusWidget());
-    if (label != nullptr && label->hasSelectedText()) {
-        QGuiApplication::clipboard()->setText(label->selectedText());
-    }
 }
 
 void AppController::openDocument() {
@@ -456,6 +491,12 @@ bool AppController::takeDropped(const QMimeData* data) {
     return !paths.isEmpty();
 }
 
+/// The cover on its way out, which passes over the window.
+bool AppController::isOurOwn(const QDropEvent* drop) const {
+    const auto* source = qobject_cast<const QWidget*>(drop->source());
+    return source != nullptr && source->window() == myWindow;
+}
+
 bool AppController::eventFilter(QObject* watched, QEvent* event) {
     if (watched != myWindow) {
         return QObject::eventFilter(watched, event);
@@ -463,7 +504,7 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::DragEnter: {
         auto* drag = static_cast<QDropEvent*>(event); // NOLINT(*-static-cast-downcast): by its type
-        if (isForUs(drag->mimeData())) {
+        if (isForUs(drag->mimeData()) && !isOurOwn(drag)) {
             acceptCopy(drag);
         }
         return true;
@@ -477,7 +518,7 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     case QEvent::Close:
-        defaults_->set(windowGeometry, myWindow->saveGeometry());
+        defaults_->keep(windowGeometry, myWindow->saveGeometry());
         if (hasWayBack_ && !hasWayBack_()) {
             QMetaObject::invokeMethod(this, "terminate", Qt::QueuedConnection);
         }

@@ -5,27 +5,33 @@
 #include "app/renameMenu.h"
 #include "app/window/ConnectWindow.h"
 #include "app/window/FileReading.h"
+#include "app/window/FootLine.h"
 #include "app/window/PictureView.h"
 #include "app/window/PullDownButton.h"
+#include "app/window/RecentFiles.h"
+#include "app/window/SourceList.h"
 #include "app/window/ValueLabel.h"
 #include "engine/audioMetaData.h"
+#include "platform/desktop/desktopPrograms.h"
 #include "platform/desktop/selectionSources.h"
+#include "platform/desktop/sessionBus.h"
 #include "platform/desktop/sideWork.h"
 #include "platform/desktop/userDefaults.h"
 
+#include <QActionGroup>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QElapsedTimer>
-#include <QLabel>
 #include <QMainWindow>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTextBrowser>
 #include <QTimer>
 #include <deque>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace sonarin {
 
@@ -47,6 +53,11 @@ public:
     /// Says whether anything could bring a closed window back; where nothing can, closing it quits.
     void setWayBack(std::function<bool()> hasWayBack) { hasWayBack_ = std::move(hasWayBack); }
 
+    /// The bus on which file managers are asked; must outlive the controller.
+    void setSessionBus(const SessionBus* bus) { bus_ = bus; }
+    /// Says something in the window's quiet line.
+    void say(const QString& text) { followStatusField->say(text); }
+
     // --- files from outside -------------------------------------------------------------------------------
     bool applicationOpenFile(const QString& path);
     /// Opens one file after the other, behind those that are still to be opened.
@@ -65,6 +76,8 @@ public:
     /// time the window's events go on, with the file before still shown, and a newer path takes this one's
     /// place.
     bool updateValuesForNewPath(const QString& path);
+    /// Whether a file is still being read.
+    [[nodiscard]] bool isReading() const { return reading_ != nullptr; }
     /// Stores the audio type, and answers whether it is one.
     bool acceptPath(std::int32_t type);
     void setupFindInShelvixMenu();
@@ -95,7 +108,6 @@ public slots:
     void showMainWindow();
     void showConnectors();
     void openDocument();
-    void copy();
     void pastePath();
     void performClose();
     void terminate();
@@ -122,9 +134,19 @@ public slots:
     void poweredByShelvix();
     void donate();
 
-    void pullDownFindMenu() { findInShelvixPopup->showMenu(); }
-    void pullDownRenameMenu() { renamePopup->showMenu(); }
-    void pullDownEditTagsMenu() { editTagsPopup->showMenu(); }
+    void pullDownFindMenu() { findInShelvixPopup->pullDown(); }
+    void pullDownRenameMenu() { renamePopup->pullDown(); }
+    void pullDownEditTagsMenu() { editTagsPopup->pullDown(); }
+
+    void copy();
+    void copyAll();
+    void copyPath();
+    void copyPicture();
+    void savePicture();
+    void showPicture();
+    void showInFinder();
+    void showAbout();
+    void setKeptOnTop(bool isKept);
 
 public:
     // --- outlets, made by the interface files
@@ -136,7 +158,6 @@ public:
     ValueLabel* id3DurationField = nullptr;
     ValueLabel* id3BitrateEtcField = nullptr;
     ValueLabel* id3SongTitleField = nullptr;
-    ValueLabel* readingField = nullptr;
     ValueLabel* id3ArtistField = nullptr;
     ValueLabel* id3AlbumField = nullptr;
     ValueLabel* id3YearField = nullptr;
@@ -149,8 +170,8 @@ public:
     ValueLabel* id3ChannelsField = nullptr;
     ValueLabel* id3TagVersionField = nullptr;
     QCheckBox* syncCheckbox = nullptr;
-    QComboBox* syncMenu = nullptr;
-    QLabel* followStatusField = nullptr;
+    SourceList* syncMenu = nullptr;
+    FootLine* followStatusField = nullptr;
     PullDownButton* findInShelvixPopup = nullptr;
     PullDownButton* renamePopup = nullptr;
     PullDownButton* editTagsPopup = nullptr;
@@ -176,6 +197,8 @@ public:
 private slots:
     void openNext();
     void doLater();
+    void updateCommands();
+    void lookForEditors();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -187,7 +210,11 @@ private:
     void connectActions(QObject* interface);
     void callAction(const QByteArray& method);
     void awakeFromNib();
+    void setUpMenus();
+    void setUpFollowing();
     void useForSync(SyncKind kind);
+    void chooseSyncItem(int index);
+    void showSyncKind();
     void startFollowing();
     [[nodiscard]] SelectionSources::Question question() const;
     [[nodiscard]] SelectionSources::Paths querySource();
@@ -197,13 +224,31 @@ private:
     void showRead();
     void showUnread();
     void showName(const QString& path);
-    void showIcon(const QStringList& names);
+    void showIcon(const FileIcon& wanted);
     void clearFacts();
     void showFacts(const HostPicture* cover);
     void showLyricsText(const SvxStringRef& lyrics);
     void finishUpdate();
     void enableLyrics(bool isEnabled);
     bool takeDropped(const QMimeData* data);
+    [[nodiscard]] bool isOurOwn(const QDropEvent* drop) const;
+    void showValueMenu(ValueLabel* value, const QPoint& place);
+    void addFileCommands(QMenu* menu) const;
+    void showPictureMenu(const QPoint& place);
+    struct TakenPicture {
+        std::vector<std::uint8_t> bytes;
+        SvxStringRef audioPath;
+        QString name;
+    };
+    [[nodiscard]] TakenPicture takePicture() const;
+    QString fileToDrag();
+    void dragPicture();
+    void noteOpened(const QString& path);
+    void rememberOpened();
+    void keepOnTopIfWanted(QWidget* window) const;
+    void showFocus();
+    void noteWhyMenusAreEmpty();
+    [[nodiscard]] QAction* command(const char* name) const;
     void rename(RenamePattern pattern);
     void find(FindKey key);
     void withShownItem(const std::function<void(const std::string& path)>& then);
@@ -214,11 +259,16 @@ private:
     SelectionSources* sources_;
     UserDefaults* defaults_;
     std::function<bool()> hasWayBack_;
-    QAction* lyricsAction_ = nullptr;
-    QAction* twitterAction_ = nullptr;
+    const SessionBus* bus_ = nullptr;
+    std::unique_ptr<QActionGroup> syncKinds_;
+    std::unique_ptr<RecentFiles> recentFiles_;
+    int timesDragged_ = 0;
+    std::vector<DesktopEditor> editors_;          ///< as they were found last
+    std::unique_ptr<QTemporaryDir> draggedFiles_; ///< until the program ends, since they may be taken late
     std::unique_ptr<QMainWindow> mainWindow_;
     std::unique_ptr<QWidget> lyricsWindowOwner_;
     std::unique_ptr<QWidget> helpWindowOwner_;
+    std::unique_ptr<QWidget> pictureWindow_;
     std::unique_ptr<ConnectWindow> connectWindow_;
     QElapsedTimer following_; ///< since the source was chosen
     QList<QByteArray> toOpen_;
@@ -228,8 +278,11 @@ private:
 
     std::shared_ptr<FileReading> reading_; ///< of the path chosen last; none once it is shown
     SideWork::JobRef readingJob_;
-    bool isIconDue_ = false; ///< is being looked up
-    QTimer readingTimer_;    ///< runs while a file goes on being read by itself
+    QString openedPath_; ///< that was opened, not followed, and is still to be remembered
+    HostFileAttributes shownAttributes_;
+    bool isFileRead_ = false; ///< the panel shows the record
+    bool isIconDue_ = false;  ///< is being looked up
+    QTimer readingTimer_;     ///< runs while a file goes on being read by itself
     SideWork sideWork_;
 };
 

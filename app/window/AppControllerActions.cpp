@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // What the window's menus and buttons do with the file that is shown.
 #include "app/panelTexts.h"
+#include "app/renameOutcome.h"
 #include "app/urls.h"
 #include "app/window/AppController.h"
+#include "app/window/auxiliaryWindow.h"
 #include "app/window/cocoaUtils.h"
 #include "engine/fileEngine.h"
 #include "platform/desktop/desktopPrograms.h"
@@ -34,32 +36,41 @@ std::string hostPath(const QString& path) {
     return ref.path;
 }
 
-void bringToFront(QWidget* window) {
-    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-    window->show();
-    window->raise();
-    window->activateWindow();
+/// What feRenameFolder answers, or that there is no such path.
+std::int32_t renameItemAt(const QString& path, const SvxStringRef& newName) {
+    FSRef ref;
+    FSRef renamed;
+    const std::int32_t result = feMakeFSRefFromPath(cocoaUtils::textFromString(path), &ref);
+    return result == fileNoErr ? feRenameFolder(ref, newName, &renamed) : result;
 }
 
 } // namespace
 
 void AppController::rename(RenamePattern pattern) {
     if (isRenaming_) {
+        say(QStringLiteral("Renaming…"));
         return;
     }
     isRenaming_ = true;
-    const auto work = [path = lastPath, name = renameFileName(pattern, currentItem, currentItemType)] {
-        (void)renameFileAtPath(path, name);
+    struct Renaming {
+        SvxStringRef name;
+        std::int32_t result = fileNoErr;
     };
-    sideWork_.start(hostPath(lastPath), work, [this] { isRenaming_ = false; });
-    sideWork_.waitUntil([this] { return !isRenaming_; });
+    const auto renaming =
+        std::make_shared<Renaming>(Renaming{renameFileName(pattern, currentItem, currentItemType)});
+    const auto work = [renaming, path = lastPath] { renaming->result = renameItemAt(path, renaming->name); };
+    const auto done = [this, renaming] {
+        isRenaming_ = false;
+        say(QString::fromStdString(renameOutcome(renaming->result, renaming->name)));
+    };
+    sideWork_.start(hostPath(lastPath), work, done);
+    if (!sideWork_.waitUntil([this] { return !isRenaming_; })) {
+        say(QStringLiteral("Renaming…"));
+    }
 }
 
 bool AppController::renameFileAtPath(const QString& path, const SvxStringRef& newName) {
-    FSRef ref;
-    FSRef renamed;
-    return feMakeFSRefFromPath(cocoaUtils::textFromString(path), &ref) == fileNoErr &&
-           feRenameFolder(ref, newName, &renamed) == fileNoErr;
+    return renameItemAt(path, newName) == fileNoErr;
 }
 
 void AppController::find(FindKey key) {
@@ -128,17 +139,30 @@ void AppController::showAlert(const QString& title) {
     alert.exec();
 }
 
+/// The entries of programs may be on a disk that is slow; a menu shows what was found before.
+void AppController::lookForEditors() {
+    const auto found = std::make_shared<std::vector<DesktopEditor>>();
+    const auto isOver = std::make_shared<bool>(false);
+    const auto done = [this, found, isOver] {
+        editors_ = *found;
+        *isOver = true;
+    };
+    sideWork_.start(
+        "/usr/share/applications", [found] { *found = installedEditors(); }, done);
+    sideWork_.waitUntil([isOver] { return *isOver; }, SideWork::Patience::little);
+}
+
 /// The menu ends with the editors that are there, behind those that are always listed.
 void AppController::addInstalledEditors() {
     const int fixedItems = 1 + static_cast<int>(editTagsPopup->property("itemTitles").toStringList().size());
     while (editTagsPopup->numberOfItems() > fixedItems) {
         editTagsPopup->removeItemAtIndex(fixedItems);
     }
-    const std::vector<DesktopEditor> editors = installedEditors();
-    if (!editors.empty()) {
+    lookForEditors();
+    if (!editors_.empty()) {
         editTagsPopup->addSeparator();
     }
-    for (const DesktopEditor& editor : editors) {
+    for (const DesktopEditor& editor : editors_) {
         const QString name = QString::fromStdString(editor.name);
         editTagsPopup->addItemWithTitle(name, [this, id = editor.desktopId, name] {
             withShownItem([this, id, name](const std::string& path) {
@@ -153,6 +177,7 @@ void AppController::addInstalledEditors() {
 
 void AppController::showLyrics() {
     loadLyricsWindow();
+    keepOnTopIfWanted(lyricsWindow);
     bringToFront(lyricsWindow);
     showLyricsText(panelLyrics(currentItem));
 }
@@ -171,6 +196,7 @@ void AppController::showHelp() {
     loadHelpPage();
     helpWebView->setSource(QUrl(QStringLiteral("qrc:/help.html")));
     helpWebView->reload();
+    keepOnTopIfWanted(helpWindow);
     bringToFront(helpWindow);
 }
 

@@ -62,10 +62,21 @@ qsizetype lengthToShow(const QString& text) {
     return text.size();
 }
 
-/// What the titles of the menus' entries are made of: texts that are longer than any screen is wide are cut,
-/// or joining them would hold the window up. What an entry does is not cut.
-audioTags recordForEntries(const audioTags& record) {
-    constexpr SvxIndex longest = 10000;
+SvxStringRef cutInTheMiddle(const SvxStringRef& text, SvxIndex most) {
+    const SvxIndex length = SvxStringGetLength(text);
+    if (length <= most) {
+        return text;
+    }
+    const SvxIndex tail = most / 3; // a text's start says more than its end
+    const QString start = cocoaUtils::stringFromText(text, most - tail);
+    const QString end = cocoaUtils::stringFromText(SvxStringCreateWithSubstring(text, length - tail, tail));
+    return cocoaUtils::textFromString(startOf(start, start.size()) + u'…' + endOf(end, end.size()));
+}
+
+/// What the titles of the menus' entries are made of: each text as fields show it, cut to so many units.
+/// Since what an entry has besides the others is one of the texts, entries stay different however short they
+/// are. What an entry does is not cut.
+audioTags recordToShow(const audioTags& record, qsizetype most) {
     constexpr std::array<SvxStringRef audioTags::*, 5> texts = {
         &audioTags::mp3SongTitleString, &audioTags::mp3ArtistString, &audioTags::mp3AlbumString,
         &audioTags::mp3ComposerString, &audioTags::mp3Genre2String};
@@ -74,8 +85,7 @@ audioTags recordForEntries(const audioTags& record) {
     cut.mp3TheTrack = record.mp3TheTrack;
     for (const auto text : texts) {
         if (SvxStringIsValid(record.*text)) {
-            cut.*text = SvxStringCreateWithSubstring(record.*text, 0,
-                                                     std::min(SvxStringGetLength(record.*text), longest));
+            cut.*text = cutInTheMiddle(withoutTerminators(record.*text), most);
         }
     }
     return cut;
@@ -132,7 +142,7 @@ void AppController::endReading() {
         reading_ = nullptr;
     }
     readingTimer_.stop();
-    readingField->hide();
+    followStatusField->setFile(QString());
 }
 
 /// Shows how far the reading has come. Its result does not change menus while somebody chooses from one.
@@ -150,23 +160,26 @@ void AppController::showReading() {
     const auto size = static_cast<double>(reading_->progress.size);
     const auto position = static_cast<double>(reading_->progress.position);
     if (size > 0) {
+        shownAttributes_ = {true, reading_->progress.size};
         cocoaUtils::setStringValue(fileSizeField, panelFileSize({true, reading_->progress.size}));
     }
-    readingField->setValue(position > 0 && position < size
-                               ? QStringLiteral("Reading… %1%").arg(static_cast<int>(100 * position / size))
-                               : QStringLiteral("Reading…"));
+    followStatusField->setFile(
+        position > 0 && position < size
+            ? QStringLiteral("Reading… %1%").arg(static_cast<int>(100 * position / size))
+            : QStringLiteral("Reading…"));
 }
 
 void AppController::showUnread() {
     reading_->isLeft = true;
     showName(reading_->path);
+    shownAttributes_ = {};
+    isFileRead_ = false;
     cocoaUtils::setStringValue(fileSizeField, nullptr);
     acceptPath(amdAudioFileTypeOfName(reading_->text));
     clearFacts();
-    fileIconField->setIcon(unknownFileIcon());
+    fileIconField->setIcon(drawnIcon(DrawnIcon::music));
     finishUpdate();
     showReading();
-    readingField->show();
 }
 
 void AppController::showRead() {
@@ -175,41 +188,47 @@ void AppController::showRead() {
     if (!reading->isLeft) {
         showName(reading->path);
     }
-    cocoaUtils::setStringValue(fileSizeField, panelFileSize(reading->file.attributes));
+    shownAttributes_ = reading->file.attributes;
+    isFileRead_ = reading->file.isRead();
+    cocoaUtils::setStringValue(fileSizeField, panelFileSize(shownAttributes_));
     acceptPath(reading->file.type);
     currentItem = std::move(reading->file.record);
-    if (reading->file.isRead()) {
+    if (isFileRead_) {
         showFacts(reading->cover.get());
+        if (reading->path == openedPath_) {
+            rememberOpened();
+        }
     } else {
         clearFacts();
     }
+    followStatusField->setFile(QString::fromStdString(reading->failure));
     const auto* decoded = dynamic_cast<const QtPicture*>(reading->cover.get());
     if (decoded != nullptr) {
-        fileIconField->setImage(decoded->image());
+        fileIconField->setImage(decoded->image(), decoded->pixels());
     } else {
-        showIcon(reading->iconNames);
+        showIcon(reading->icon);
     }
     finishUpdate();
 }
 
 /// The theme may be on a disk that is slower than the file's.
-void AppController::showIcon(const QStringList& names) {
+void AppController::showIcon(const FileIcon& wanted) {
     const IconTheme theme = IconTheme::current();
-    const std::optional<QImage> icon = knownIcon(names, theme);
-    fileIconField->setIcon(icon.value_or(unknownFileIcon()));
+    const std::optional<QImage> icon = knownIcon(wanted, theme);
+    fileIconField->setIcon(icon.value_or(drawnIcon(wanted.drawn)));
     if (icon) {
         return;
     }
-    const auto show = [this, names, theme, path = lastPath] {
+    const auto show = [this, wanted, theme, path = lastPath] {
         isIconDue_ = false;
-        const std::optional<QImage> found = knownIcon(names, theme);
+        const std::optional<QImage> found = knownIcon(wanted, theme);
         if (found && path == lastPath && !fileIconField->showsImage()) {
             fileIconField->setIcon(*found);
         }
     };
     isIconDue_ = true;
     sideWork_.start(
-        theme.folders.value(0).toStdString(), [names, theme] { lookUpIcon(names, theme); }, show);
+        theme.folders.value(0).toStdString(), [wanted, theme] { lookUpIcon(wanted, theme); }, show);
 }
 
 /// From here on the record is empty, until the file has been read. A menu that was opened for the file before
@@ -232,7 +251,10 @@ void AppController::showName(const QString& path) {
 void AppController::finishUpdate() {
     setupFindInShelvixMenu();
     setupRenameMenu();
+    noteWhyMenusAreEmpty();
     enableTwitterButton();
+    updateCommands();
+    showFollowStatus();
 }
 
 void AppController::clearFacts() {
@@ -246,7 +268,7 @@ void AppController::clearFacts() {
 
 void AppController::enableLyrics(bool isEnabled) {
     lyricsButton->setEnabled(isEnabled);
-    lyricsAction_->setEnabled(isEnabled);
+    command("lyricsAction")->setEnabled(isEnabled);
 }
 
 void AppController::showFacts(const HostPicture* cover) {
@@ -278,26 +300,28 @@ void AppController::showLyricsText(const SvxStringRef& lyrics) {
 
 void AppController::setupFindInShelvixMenu() {
     removeEntries(findInShelvixPopup);
-    const audioTags record = recordForEntries(currentItem);
-    for (const FindKey key : findKeys(record)) {
-        findInShelvixPopup->addItemWithTitle(cocoaUtils::stringFromText(findEntryTitle(key, record)),
-                                             [this, key] { find(key); });
+    for (const FindKey key : findKeys(currentItem)) {
+        const auto title = [this, key](qsizetype most) {
+            return cocoaUtils::stringFromText(findEntryTitle(key, recordToShow(currentItem, most)));
+        };
+        findInShelvixPopup->addItemWithTitle(title, [this, key] { find(key); });
     }
 }
 
 void AppController::setupRenameMenu() {
     removeEntries(renamePopup);
-    const audioTags record = recordForEntries(currentItem);
-    for (const RenamePattern pattern : renamePatterns(record)) {
-        renamePopup->addItemWithTitle(
-            cocoaUtils::stringFromText(renameEntryTitle(pattern, record, currentItemType)),
-            [this, pattern] { rename(pattern); });
+    for (const RenamePattern pattern : renamePatterns(currentItem)) {
+        const auto title = [this, pattern](qsizetype most) {
+            const audioTags cut = recordToShow(currentItem, most);
+            return cocoaUtils::stringFromText(renameEntryTitle(pattern, cut, currentItemType));
+        };
+        renamePopup->addItemWithTitle(title, [this, pattern] { rename(pattern); });
     }
 }
 
 void AppController::enableTwitterButton() {
     twitterButton->setEnabled(canTellTwitter(currentItem));
-    twitterAction_->setEnabled(canTellTwitter(currentItem));
+    command("twitterAction")->setEnabled(canTellTwitter(currentItem));
 }
 
 SvxStringRef AppController::currentSuffix() const {

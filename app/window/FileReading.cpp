@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/window/FileReading.h"
 
+#include "app/failureCause.h"
 #include "app/window/cocoaUtils.h"
-#include "platform/desktop/fileIcon.h"
 
 #include <utility>
 
@@ -18,8 +18,11 @@ void FileReading::run() {
     if (file.isRead() && progress.isWanted) {
         cover = amdGetCoverArt(file.record, &progress.isWanted);
     }
+    if (!file.isRead() && progress.isWanted) {
+        failure = failureCause(text, file.type);
+    }
     if (!cover && progress.isWanted) {
-        iconNames = iconNamesForFile(hostPath.path, cocoaUtils::stringFromText(feLastPathComponent(text)));
+        icon = iconForFile(hostPath.path, cocoaUtils::stringFromText(feLastPathComponent(text)));
     }
 }
 

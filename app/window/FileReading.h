@@ -3,10 +3,11 @@
 
 #include "app/shownFile.h"
 #include "engine/fileEngine.h"
+#include "platform/desktop/fileIcon.h"
 
 #include <QString>
-#include <QStringList>
 #include <memory>
+#include <string>
 
 namespace sonarin {
 
@@ -28,7 +29,8 @@ struct FileReading {
 
     ShownFile file;
     std::unique_ptr<HostPicture> cover;
-    QStringList iconNames; ///< where there is no cover
+    FileIcon icon;       ///< where there is no cover
+    std::string failure; ///< why it could not be read; else empty
 
     // The window's alone.
     bool hasEnded = false;

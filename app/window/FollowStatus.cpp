@@ -13,7 +13,7 @@ using State = SelectionSources::Teller::State;
 /// The program's own name may be anything.
 QString programName(const QString& name, const QString& otherwise) {
     constexpr qsizetype longest = 30;
-    const QString shown = name.size() > longest ? name.left(longest) + u'…' : name;
+    const QString shown = name.size() > longest ? startOf(name, longest) + u'…' : name;
     return withVisibleControls(shown.isEmpty() ? otherwise : shown).toHtmlEscaped();
 }
 
@@ -23,7 +23,7 @@ QString selectionText(const SelectionSources::Paths& answer) {
         return QStringLiteral("nothing selected");
     }
     if (count > 1) {
-        return QStringLiteral("several selected: none is shown");
+        return QStringLiteral("%1 selected: nothing is shown").arg(count);
     }
     return answer->first().isEmpty() ? QStringLiteral("1 selected, which is no file on this computer")
                                      : QStringLiteral("1 selected");

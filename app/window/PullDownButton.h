@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <functional>
+#include <map>
 
 namespace sonarin {
 
@@ -21,27 +22,45 @@ public:
 
     [[nodiscard]] int numberOfItems() const;
     void removeItemAtIndex(int index);
-    /// Adds an entry whose title is shown as it stands but for U+0000, on one line, cut in the middle where
-    /// the screen ends.
-    void addItemWithTitle(const QString& title, std::function<void()> action);
-    /// The whole title of an entry.
+    /// The title of an entry, made of values that are cut to so many units.
+    using Title = std::function<QString(qsizetype units)>;
+    /// Adds an entry whose title is shown on one line: the longest that the screen has room for. A tool tip
+    /// tells it whole where it is cut.
+    void addItemWithTitle(Title title, std::function<void()> action);
+    void addItemWithTitle(const QString& title, std::function<void()> action) {
+        addItemWithTitle([title](qsizetype) { return title; }, std::move(action));
+    }
+    /// The title of an entry, far longer than any screen shows it.
     [[nodiscard]] QString itemTitleAtIndex(int index) const;
     void activateItemAtIndex(int index);
 
     /// Puts a line between the entries before and those to come.
     void addSeparator();
 
+public slots:
+    /// Opens the menu for the keyboard: with its first entry chosen.
+    void pullDown();
+
 signals:
     /// The menu is about to be seen; entries may still be changed.
     void aboutToPullDown();
 
+private slots:
+    void chooseFirst();
+
+protected:
+    bool event(QEvent* event) override;
+
 private:
     [[nodiscard]] QAction* entry(int index) const;
+    [[nodiscard]] QString fitting(const Title& title, int room) const;
     void fillIn();
     void removeNote();
 
+    bool isForKeyboard_ = false; ///< before what sends events
     QMenu menu_;
     QString emptyNote_;
+    std::map<QAction*, Title> titles_;
     QAction* note_ = nullptr; ///< while the menu has no entries and was looked at
 };
 

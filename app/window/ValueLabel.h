@@ -5,15 +5,21 @@
 
 namespace sonarin {
 
-/// One line of text from a file: shown as plain text whatever it holds, selectable, cut with an ellipsis
-/// where the room ends, whole in its tool tip. It asks for the same room for every text, so that none changes
-/// the window.
+/// A text from a file: shown as plain text whatever it holds, selectable, reached by Tab where there is one,
+/// wrapped where it may be, cut with an ellipsis where the room ends, whole in its tool tip. It asks for the
+/// same room for every text, so that none changes the window.
 class ValueLabel : public QLabel {
     Q_OBJECT
     /// How large the text is in comparison to the form's other texts.
     Q_PROPERTY(double textScale READ textScale WRITE setTextScale)
-    /// A text that matters less is shown in the theme's weaker colour.
+    /// A text that matters less is shown weaker.
     Q_PROPERTY(bool secondary READ isSecondary WRITE setSecondary)
+    /// What the value is; stands beside it, unless it is told by the accessible name alone.
+    Q_PROPERTY(QString caption READ caption WRITE setCaption)
+    /// How many lines it may take; more than one only where it has room for them.
+    Q_PROPERTY(int mostLines READ mostLines WRITE setMostLines)
+    /// A blank at the start belongs to the text and is not to be seen.
+    Q_PROPERTY(bool leadingBlankHidden READ isLeadingBlankHidden WRITE setLeadingBlankHidden)
 
 public:
     explicit ValueLabel(QWidget* parent = nullptr);
@@ -28,22 +34,54 @@ public:
     void setTextScale(double scale);
     [[nodiscard]] bool isSecondary() const { return isSecondary_; }
     void setSecondary(bool secondary);
+    [[nodiscard]] QString caption() const { return caption_; }
+    void setCaption(const QString& caption) { caption_ = caption; }
+    [[nodiscard]] int mostLines() const { return mostLines_; }
+    void setMostLines(int most);
+    [[nodiscard]] bool isLeadingBlankHidden() const { return isLeadingBlankHidden_; }
+    void setLeadingBlankHidden(bool hidden) { isLeadingBlankHidden_ = hidden; }
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
+    /// The height of so many lines.
+    [[nodiscard]] int heightOfLines(int lines) const;
+    /// How many lines the text takes at that width, at most `mostLines`.
+    [[nodiscard]] int linesAt(int width) const;
+
+signals:
+    void valueChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
-    [[nodiscard]] QString oneLine() const;
+    struct Lines {
+        QStringList shown; ///< as far as they can be seen
+        bool isCut = false;
+    };
+    [[nodiscard]] QString shownText() const;
+    [[nodiscard]] Lines linesFor(const QSize& room, int most) const;
+    [[nodiscard]] int linesWithin(int height) const;
     [[nodiscard]] bool isCut() const;
+    void stayBesideCaption();
 
     double textScale_ = 1;
     bool isSecondary_ = false;
+    QString caption_;
+    int mostLines_ = 1;
+    bool isLeadingBlankHidden_ = false;
     QString fixedToolTip_;
+    struct {
+        int width = 0;
+        int lines = 0;
+    } mutable linesKnown_; ///< of the text, at the width asked for last
 };
+
+/// At most so many units of a text's start or end, without half a surrogate pair.
+[[nodiscard]] QString startOf(const QString& text, qsizetype most);
+[[nodiscard]] QString endOf(const QString& text, qsizetype most);
 
 /// A tool tip's text that is taken for plain text, and not too long for a screen.
 [[nodiscard]] QString plainToolTip(const QString& text);

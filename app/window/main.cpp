@@ -2,6 +2,8 @@
 #include "app/shownFile.h"
 #include "app/window/AppController.h"
 #include "app/window/TrayPresence.h"
+#include "app/window/textColours.h"
+#include "platform/desktop/appearance.h"
 #include "platform/desktop/busSources.h"
 #include "platform/desktop/desktopApplication.h"
 #include "platform/desktop/fileIcon.h"
@@ -33,6 +35,15 @@ constexpr const char* usage =
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+bool hasOption(int argc, char** argv, std::string_view option) {
+    for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
+        if (argv[i] == option) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// The first argument that looks like an option; null when there is none.
@@ -72,6 +83,26 @@ QStringList uris(const QList<QByteArray>& paths) {
     return result;
 }
 
+void followAppearance(const Appearance& appearance, AppController& controller) {
+    QObject::connect(&appearance, &Appearance::highContrastChanged, &controller,
+                     [&controller](bool isWanted) {
+                         preferHighContrast(isWanted);
+                         QEvent changed(QEvent::PaletteChange);
+                         for (QWidget* widget : controller.myWindow->findChildren<QWidget*>()) {
+                             QCoreApplication::sendEvent(widget, &changed);
+                         }
+                     });
+    // Nothing in the window moves but what the toolkit moves.
+    QList<Qt::UIEffect> effects = {Qt::UI_AnimateMenu, Qt::UI_FadeMenu, Qt::UI_AnimateCombo,
+                                   Qt::UI_AnimateTooltip, Qt::UI_FadeTooltip};
+    effects.removeIf([](Qt::UIEffect effect) { return !QApplication::isEffectEnabled(effect); });
+    QObject::connect(&appearance, &Appearance::motionChanged, &controller, [effects](bool isWanted) {
+        for (const Qt::UIEffect effect : effects) {
+            QApplication::setEffectEnabled(effect, isWanted);
+        }
+    });
+}
+
 void connectWaysIn(DesktopApplication& desktop, AppController& controller) {
     QObject::connect(&desktop, &DesktopApplication::activated, &controller,
                      [&controller] { controller.applicationShouldHandleReopenHasVisibleWindows(false); });
@@ -86,12 +117,11 @@ void connectWaysIn(DesktopApplication& desktop, AppController& controller) {
 }
 
 int run(int argc, char** argv) {
-    const std::string_view first = argc > 1 ? argv[1] : "";
-    if (first == "--help" || first == "-h") {
+    if (hasOption(argc, argv, "--help") || hasOption(argc, argv, "-h")) {
         (void)std::fputs(usage, stdout);
         return 0;
     }
-    if (first == "--version") {
+    if (hasOption(argc, argv, "--version")) {
         (void)std::puts("sonarin " SONARIN_VERSION);
         return 0;
     }
@@ -112,13 +142,24 @@ int run(int argc, char** argv) {
 
     SessionBus bus;
     DesktopApplication desktop(&bus, QLatin1StringView(bundleIdentifier));
-    if (!desktop.takeName() && desktop.handOver(uris(paths))) {
-        return 0;
+    if (!desktop.takeName()) {
+        switch (desktop.handOver(uris(paths))) {
+        case DesktopApplication::HandOver::done:
+            return 0;
+        case DesktopApplication::HandOver::refused:
+            (void)std::fputs("sonarin: the running Sonarin does not take these files\n", stderr);
+            return 1;
+        case DesktopApplication::HandOver::noAnswer:
+            desktop.takeNameAway();
+        }
     }
     decodePicturesWithQt();
     BusSources sources(&bus);
     UserDefaults defaults;
     AppController controller(&sources, &defaults);
+    controller.setSessionBus(&bus);
+    const Appearance appearance(&bus);
+    followAppearance(appearance, controller);
     const TrayPresence tray(&controller);
     controller.setWayBack([&] { return tray.isThere() || desktop.hasName(); });
     QObject::connect(&bus, &SessionBus::lost, &controller, [&] {
@@ -127,6 +168,8 @@ int run(int argc, char** argv) {
         }
     });
     connectWaysIn(desktop, controller);
+    QObject::connect(&desktop, &DesktopApplication::replaced,
+                     QCoreApplication::quit); // two windows are one too many
     onQuitSignals(QCoreApplication::quit);
     controller.showMainWindow();
     QMetaObject::invokeMethod(

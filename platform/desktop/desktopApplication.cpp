@@ -41,18 +41,38 @@ QString DesktopApplication::objectPath() const {
 }
 
 bool DesktopApplication::takeName() {
+    registerName(QDBusConnectionInterface::DontQueueService);
+    return hasName_ || !bus_->isConnected();
+}
+
+void DesktopApplication::takeNameAway() {
+    registerName(QDBusConnectionInterface::ReplaceExistingService);
+}
+
+/// With the permission to take it away again: a program that hangs must not be the only one there can be.
+void DesktopApplication::registerName(QDBusConnectionInterface::ServiceQueueOptions options) {
     hasName_ = false;
     QDBusConnection connection = bus_->connection();
     if (!connection.isConnected()) {
-        return true;
+        return;
     }
     // The object first: a request must not meet a name without one.
     connection.registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots);
-    hasName_ = connection.registerService(identifier_);
-    return hasName_;
+    const auto reply = connection.interface()->registerService(identifier_, options,
+                                                               QDBusConnectionInterface::AllowReplacement);
+    hasName_ = reply.value() == QDBusConnectionInterface::ServiceRegistered;
+    connect(connection.interface(), &QDBusConnectionInterface::serviceUnregistered, this,
+            &DesktopApplication::takeLoss, Qt::UniqueConnection);
 }
 
-bool DesktopApplication::handOver(const QStringList& uris) const {
+void DesktopApplication::takeLoss(const QString& name) {
+    if (name == identifier_ && hasName_) {
+        hasName_ = false;
+        emit replaced();
+    }
+}
+
+DesktopApplication::HandOver DesktopApplication::handOver(const QStringList& uris) const {
     constexpr int patience = 3000; // milliseconds
     QDBusMessage request =
         QDBusMessage::createMethodCall(identifier_, objectPath(), QLatin1StringView(interfaceName),
@@ -63,7 +83,14 @@ bool DesktopApplication::handOver(const QStringList& uris) const {
     }
     request << ownPlatformData();
     request.setAutoStartService(false);
-    return bus_->connection().call(request, QDBus::Block, patience).type() == QDBusMessage::ReplyMessage;
+    const QDBusMessage answer = bus_->connection().call(request, QDBus::Block, patience);
+    if (answer.type() == QDBusMessage::ReplyMessage) {
+        return HandOver::done;
+    }
+    const QDBusError::ErrorType error = QDBusError(answer).type();
+    const bool isSilent = error == QDBusError::NoReply || error == QDBusError::Timeout ||
+                          error == QDBusError::TimedOut || error == QDBusError::ServiceUnknown;
+    return isSilent ? HandOver::noAnswer : HandOver::refused;
 }
 
 void DesktopApplication::Activate(const QVariantMap& platform_data) {

@@ -3,6 +3,7 @@
 
 #include "platform/desktop/sessionBus.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusContext>
 #include <QStringList>
 #include <QVariantMap>
@@ -23,14 +24,18 @@ public:
     /// Takes the name, and takes it again when the bus comes back. False when another program has it; true as
     /// well when there is no bus.
     bool takeName();
+    /// Takes the name away from a program that hangs.
+    void takeNameAway();
     /// Whether the program can be reached under its name.
     [[nodiscard]] bool hasName() const { return hasName_ && bus_->isConnected(); }
 
-    /// Hands files (URIs) to the running program, or just brings it to the front. False when it does not
-    /// answer.
-    [[nodiscard]] bool handOver(const QStringList& uris) const;
+    enum class HandOver : std::uint8_t { done, refused, noAnswer };
+    /// Hands files (URIs) to the running program, or just brings it to the front.
+    [[nodiscard]] HandOver handOver(const QStringList& uris) const;
 
 signals:
+    /// Another program has taken the name, since this one did not answer it.
+    void replaced();
     void activated();
     void openRequested(const QList<QByteArray>& paths);
     void textReceived(const QString& text);
@@ -43,6 +48,8 @@ public slots:
                                      const QVariantMap& platform_data);
 
 private:
+    void takeLoss(const QString& name);
+    void registerName(QDBusConnectionInterface::ServiceQueueOptions options);
     [[nodiscard]] QString objectPath() const;
 
     SessionBus* bus_;

@@ -3,6 +3,7 @@
 #include "platform/desktop/desktopPrograms.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
@@ -68,6 +69,42 @@ std::vector<std::uint32_t> creatorCodes(GDesktopAppInfo* program) {
     return codes;
 }
 
+bool holdsAudioType(GDesktopAppInfo* program) {
+    const char** types = g_app_info_get_supported_types(G_APP_INFO(program));
+    for (; types != nullptr && *types != nullptr; ++types) {
+        if (std::string_view(*types).starts_with("audio/")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Whether an entry without a creator code is that of a tag editor (Desktop Menu Specification 1.1,
+/// registered categories).
+bool editsTags(GDesktopAppInfo* program) {
+    constexpr std::array<std::string_view, 6> tagKeywords = {"tag",        "tags", "tagger",
+                                                             "tag editor", "id3",  "metadata"};
+    if (!holdsAudioType(program)) {
+        return false;
+    }
+    const TextList categories(
+        g_desktop_app_info_get_string_list(program, G_KEY_FILE_DESKTOP_KEY_CATEGORIES, nullptr));
+    for (char** category = categories.get(); category != nullptr && *category != nullptr; ++category) {
+        if (std::string_view(*category) == "AudioVideoEditing") {
+            return true;
+        }
+    }
+    const char* const* keywords = g_desktop_app_info_get_keywords(program);
+    for (; keywords != nullptr && *keywords != nullptr; ++keywords) {
+        const Text folded(g_utf8_casefold(*keywords, -1));
+        if (std::find(tagKeywords.begin(), tagKeywords.end(), std::string_view(folded.get())) !=
+            tagKeywords.end()) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// The place of the folder that an entry comes from: the user's own folder before those of the system, in
 /// their order.
 std::size_t precedence(GDesktopAppInfo* program) {
@@ -129,12 +166,12 @@ bool openUrl(const std::string& url) {
 }
 
 std::vector<DesktopEditor> installedEditors() {
-    outliveTheBus();
     std::vector<DesktopEditor> editors;
     for (const auto& program : installedPrograms()) {
         const char* id = g_app_info_get_id(G_APP_INFO(program.get()));
         const bool isForMenus = g_app_info_should_show(G_APP_INFO(program.get())) != 0;
-        if (id != nullptr && isForMenus && !creatorCodes(program.get()).empty()) {
+        if (id != nullptr && isForMenus &&
+            (!creatorCodes(program.get()).empty() || editsTags(program.get()))) {
             editors.push_back({id, g_app_info_get_display_name(G_APP_INFO(program.get()))});
         }
     }
@@ -152,6 +189,11 @@ bool openFileWithCreator(const std::string& path, std::uint32_t creator) {
         }
     }
     return false;
+}
+
+std::string desktopLibraryVersion() {
+    return std::to_string(glib_major_version) + '.' + std::to_string(glib_minor_version) + '.' +
+           std::to_string(glib_micro_version);
 }
 
 bool openFileWithProgram(const std::string& path, const std::string& desktopId) {

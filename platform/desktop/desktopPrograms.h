@@ -18,14 +18,19 @@ struct DesktopEditor {
     std::string name;      ///< in the user's language
 };
 
-/// The editors among the installed programs: those whose entry carries a creator code in the key
-/// X-HFS-Creator and is meant for menus.
+/// The editors of tags among the installed programs, by name: those whose entry is meant for menus and either
+/// carries a creator code in the key X-HFS-Creator, or names an audio type and has the category
+/// AudioVideoEditing or a keyword of tag editors. For any thread: may hang on the disks that hold the
+/// entries.
 [[nodiscard]] std::vector<DesktopEditor> installedEditors();
 
 /// Opens the file with the installed program whose entry lists the four-character creator code under
 /// X-HFS-Creator (four characters, or 0x and eight hexadecimal digits). False when none does or it cannot be
 /// started.
 bool openFileWithCreator(const std::string& path, std::uint32_t creator);
+
+/// The version of the library that starts them, such as "2.74.6".
+[[nodiscard]] std::string desktopLibraryVersion();
 
 /// Opens the file with the program of that desktop entry.
 bool openFileWithProgram(const std::string& path, const std::string& desktopId);

@@ -14,36 +14,105 @@ namespace sonarin {
 
 namespace {
 
-/// A sheet with a note on it, or the program's badge: the note on a round ground.
-QImage drawNote(int size, bool onSheet) {
-    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(size / 64.0, size / 64.0);
-    painter.setPen(Qt::NoPen);
-    if (onSheet) {
-        painter.setBrush(QColor(0xF4, 0xF4, 0xF2));
-        painter.setPen(QPen(QColor(0x8C, 0x8C, 0x94), 1));
-        painter.drawRoundedRect(QRectF(12, 4, 40, 56), 4, 4);
-        painter.setPen(Qt::NoPen);
-    } else {
-        QLinearGradient ground(0, 0, 0, 64);
-        ground.setColorAt(0, QColor(0x2F, 0x80, 0xC8));
-        ground.setColorAt(1, QColor(0x1B, 0x4E, 0x8C));
-        painter.setBrush(ground);
-        painter.drawRoundedRect(QRectF(2, 2, 60, 60), 14, 14);
+/// All drawing is done on a ground of 64 by 64.
+class Drawing {
+public:
+    explicit Drawing(int size) : image_(size, size, QImage::Format_ARGB32_Premultiplied) {
+        constexpr double ground = 64;
+        image_.fill(Qt::transparent);
+        painter_.begin(&image_);
+        painter_.setRenderHint(QPainter::Antialiasing);
+        painter_.scale(size / ground, size / ground);
     }
-    painter.setBrush(onSheet ? QColor(0x2F, 0x6F, 0xB0) : QColor(Qt::white));
-    painter.drawEllipse(QRectF(20, 40, 11, 9));
-    painter.drawEllipse(QRectF(36, 37, 11, 9));
+    QPainter* operator->() { return &painter_; }
+    QImage end() {
+        painter_.end();
+        return image_;
+    }
+
+private:
+    QImage image_;
+    QPainter painter_;
+};
+
+constexpr QRgb sheetGround = qRgb(0xF4, 0xF4, 0xF2);
+constexpr QRgb outline = qRgb(0x8C, 0x8C, 0x94);
+constexpr QRgb ink = qRgb(0x2F, 0x6F, 0xB0);
+
+void drawSheet(Drawing& drawing, Qt::PenStyle style = Qt::SolidLine) {
+    drawing->setPen(QPen(QColor(outline), 1, style));
+    drawing->setBrush(QColor(sheetGround));
+    drawing->drawRoundedRect(QRectF(12, 4, 40, 56), 4, 4);
+    drawing->setPen(Qt::NoPen);
+}
+
+void drawNote(Drawing& drawing, const QColor& colour) {
+    drawing->setPen(Qt::NoPen);
+    drawing->setBrush(colour);
+    drawing->drawEllipse(QRectF(20, 40, 11, 9));
+    drawing->drawEllipse(QRectF(36, 37, 11, 9));
     QPainterPath stems;
     stems.addRect(QRectF(28.4, 20, 2.6, 25));
     stems.addRect(QRectF(44.4, 17, 2.6, 25));
     stems.addPolygon(QPolygonF({{28.4, 18}, {47, 14.5}, {47, 20.5}, {28.4, 24}}));
     stems.setFillRule(Qt::WindingFill);
-    painter.drawPath(stems);
-    return image;
+    drawing->drawPath(stems);
+}
+
+QImage drawMusicSheet(int size) {
+    Drawing drawing(size);
+    drawSheet(drawing);
+    drawNote(drawing, QColor(ink));
+    return drawing.end();
+}
+
+QImage drawTextSheet(int size) {
+    Drawing drawing(size);
+    drawSheet(drawing);
+    drawing->setBrush(QColor(outline));
+    for (const double top : {14.0, 22.0, 30.0, 38.0, 46.0}) {
+        drawing->drawRect(QRectF(19, top, top == 46.0 ? 14 : 26, 2));
+    }
+    return drawing.end();
+}
+
+QImage drawPlainSheet(int size) {
+    Drawing drawing(size);
+    drawSheet(drawing);
+    return drawing.end();
+}
+
+QImage drawMissing(int size) {
+    Drawing drawing(size);
+    drawSheet(drawing, Qt::DashLine);
+    drawing->setPen(QPen(QColor(outline), 4, Qt::SolidLine, Qt::RoundCap));
+    drawing->drawLine(QPointF(24, 24), QPointF(40, 40));
+    drawing->drawLine(QPointF(40, 24), QPointF(24, 40));
+    return drawing.end();
+}
+
+QImage drawFolder(int size) {
+    Drawing drawing(size);
+    QPainterPath folder;
+    folder.addRoundedRect(QRectF(6, 16, 52, 38), 4, 4);
+    folder.addRoundedRect(QRectF(6, 10, 24, 16), 4, 4);
+    drawing->setPen(QPen(QColor(0x2A, 0x62, 0x9C), 1));
+    drawing->setBrush(QColor(0x6F, 0xA8, 0xDC));
+    drawing->drawPath(folder.simplified());
+    return drawing.end();
+}
+
+/// The program's badge: the note on a round ground.
+QImage drawBadge(int size) {
+    Drawing drawing(size);
+    QLinearGradient ground(0, 0, 0, 64);
+    ground.setColorAt(0, QColor(0x2F, 0x80, 0xC8));
+    ground.setColorAt(1, QColor(0x1B, 0x4E, 0x8C));
+    drawing->setPen(Qt::NoPen);
+    drawing->setBrush(ground);
+    drawing->drawRoundedRect(QRectF(2, 2, 60, 60), 14, 14);
+    drawNote(drawing, Qt::white);
+    return drawing.end();
 }
 
 constexpr int iconSize = 288; ///< pixels: as the window shows it on a screen of double density
@@ -83,7 +152,7 @@ KnownIcons& knownIcons() {
 
 /// The type goes by the name, but for what is no regular file. Not asked of the database with the path: it
 /// would look at the disk with a lock held that everybody needs.
-QMimeType typeOf(const std::string& path, const QString& name) {
+QMimeType typeOf(mode_t kind, const QString& name) {
     struct SpecialType {
         mode_t kind;
         const char* name;
@@ -94,12 +163,9 @@ QMimeType typeOf(const std::string& path, const QString& name) {
                                                           {S_IFCHR, "inode/chardevice"},
                                                           {S_IFBLK, "inode/blockdevice"}}};
     const QMimeDatabase types;
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0) {
-        for (const SpecialType& special : specialTypes) {
-            if ((status.st_mode & S_IFMT) == special.kind) {
-                return types.mimeTypeForName(QLatin1StringView(special.name));
-            }
+    for (const SpecialType& special : specialTypes) {
+        if (kind == special.kind) {
+            return types.mimeTypeForName(QLatin1StringView(special.name));
         }
     }
     const QList<QMimeType> found = types.mimeTypesForFileName(name);
@@ -107,26 +173,36 @@ QMimeType typeOf(const std::string& path, const QString& name) {
                            : found.first();
 }
 
+DrawnIcon drawnFor(mode_t kind, const QMimeType& type) {
+    return kind == 0                                             ? DrawnIcon::missing
+           : kind == S_IFDIR                                     ? DrawnIcon::folder
+           : type.name().startsWith(QLatin1StringView("audio/")) ? DrawnIcon::music
+           : type.inherits(QStringLiteral("text/plain"))         ? DrawnIcon::text
+                                                                 : DrawnIcon::plain;
+}
+
 } // namespace
 
-QStringList iconNamesForFile(const std::string& path, const QString& name) {
-    const QMimeType type = typeOf(path, name);
-    return {type.iconName(), type.genericIconName()};
+FileIcon iconForFile(const std::string& path, const QString& name) {
+    struct stat status {};
+    const mode_t kind = stat(path.c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
+    const QMimeType type = typeOf(kind, name);
+    return {{type.iconName(), type.genericIconName()}, drawnFor(kind, type)};
 }
 
-std::optional<QImage> knownIcon(const QStringList& names, const IconTheme& theme) {
-    for (const QString& name : names) {
-        std::optional<QImage> icon = knownIcons().find(theme, name);
-        if (!icon || !icon->isNull()) {
-            return icon;
+std::optional<QImage> knownIcon(const FileIcon& icon, const IconTheme& theme) {
+    for (const QString& name : icon.names) {
+        std::optional<QImage> image = knownIcons().find(theme, name);
+        if (!image || !image->isNull()) {
+            return image;
         }
     }
-    return unknownFileIcon();
+    return drawnIcon(icon.drawn);
 }
 
-void lookUpIcon(const QStringList& names, const IconTheme& theme) {
+void lookUpIcon(const FileIcon& wanted, const IconTheme& theme) {
     QImage icon;
-    for (const QString& name : names) {
+    for (const QString& name : wanted.names) {
         if (icon.isNull()) {
             icon = themeIcon(theme, name, iconSize);
             knownIcons().add(theme, name, icon);
@@ -134,15 +210,17 @@ void lookUpIcon(const QStringList& names, const IconTheme& theme) {
     }
 }
 
-QImage unknownFileIcon() {
-    static const QImage sheet = drawNote(iconSize, true);
-    return sheet;
+QImage drawnIcon(DrawnIcon icon) {
+    static const std::array<QImage, 5> drawn = {drawMusicSheet(iconSize), drawFolder(iconSize),
+                                                drawTextSheet(iconSize), drawPlainSheet(iconSize),
+                                                drawMissing(iconSize)};
+    return drawn.at(static_cast<std::size_t>(icon));
 }
 
 QIcon programIcon() {
     QIcon drawn;
     for (const int size : {16, 32, 64, 128, 256}) {
-        drawn.addPixmap(QPixmap::fromImage(drawNote(size, false)));
+        drawn.addPixmap(QPixmap::fromImage(drawBadge(size)));
     }
     return QIcon::fromTheme(QStringLiteral("org.sonarin.Sonarin"), drawn);
 }

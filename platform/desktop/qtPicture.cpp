@@ -64,7 +64,8 @@ std::unique_ptr<HostPicture> decode(std::span<const std::uint8_t> bytes, const s
     const ImageResolution resolution = recordedResolution(bytes);
     const double width = points(image.width(), resolution.horizontal);
     const double height = points(image.height(), resolution.vertical);
-    return std::make_unique<QtPicture>(forScreen(std::move(image)), width, height);
+    const QSize pixels = image.size();
+    return std::make_unique<QtPicture>(forScreen(std::move(image)), pixels, width, height);
 }
 
 } // namespace

@@ -11,15 +11,17 @@ namespace sonarin {
 class QtPicture final : public HostPicture {
 public:
     /// The image may be smaller than the picture.
-    QtPicture(QImage image, double widthInPoints, double heightInPoints)
-        : image_(std::move(image)), width_(widthInPoints), height_(heightInPoints) {}
+    QtPicture(QImage image, const QSize& pixels, double widthInPoints, double heightInPoints)
+        : image_(std::move(image)), pixels_(pixels), width_(widthInPoints), height_(heightInPoints) {}
 
     [[nodiscard]] const QImage& image() const noexcept { return image_; }
+    [[nodiscard]] QSize pixels() const noexcept { return pixels_; }
     [[nodiscard]] double widthInPoints() const noexcept override { return width_; }
     [[nodiscard]] double heightInPoints() const noexcept override { return height_; }
 
 private:
     QImage image_;
+    QSize pixels_;
     double width_;
     double height_;
 };

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/userDefaults.h"
 
+#include <QFile>
 #include <QStandardPaths>
+#include <utility>
 
 namespace sonarin {
 
@@ -19,9 +21,18 @@ QVariant UserDefaults::value(const QString& key) const {
     return settings_.value(key, fallBack == registered_.end() ? QVariant() : fallBack->second);
 }
 
-void UserDefaults::set(const QString& key, const QVariant& value) {
+/// Which files somebody has opened is nobody else's affair.
+void UserDefaults::keep(const QString& key, const QVariant& value) {
     settings_.setValue(key, value);
     settings_.sync();
+    QFile::setPermissions(settings_.fileName(), QFile::ReadOwner | QFile::WriteOwner);
+}
+
+void UserDefaults::set(const QString& key, const QVariant& value) {
+    keep(key, value);
+    if (settings_.status() != QSettings::NoError && whenNotStored_) {
+        std::exchange(whenNotStored_, nullptr)();
+    }
 }
 
 } // namespace sonarin

@@ -3,6 +3,7 @@
 
 #include <QSettings>
 #include <QVariant>
+#include <functional>
 #include <map>
 
 namespace sonarin {
@@ -19,12 +20,17 @@ public:
     [[nodiscard]] QVariant value(const QString& key) const;
     [[nodiscard]] int integer(const QString& key) const { return value(key).toInt(); }
 
-    /// Stores at once.
+    /// Stores at once. Where that fails the value holds until the program ends.
     void set(const QString& key, const QVariant& value);
+    /// The same for what nobody has chosen, and so nobody would miss.
+    void keep(const QString& key, const QVariant& value);
+    /// To be called when a value could not be stored, the first time only.
+    void whenNotStored(std::function<void()> call) { whenNotStored_ = std::move(call); }
 
 private:
     mutable QSettings settings_;
     std::map<QString, QVariant> registered_;
+    std::function<void()> whenNotStored_;
 };
 
 } // namespace sonarin

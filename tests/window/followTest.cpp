@@ -264,7 +264,7 @@ TEST_F(OnTheBus, SaysWhatItFollows) {
     files.select({QString()}, 1);
     EXPECT_TRUE(says("Files, 1 selected, which is no file on this computer"));
     files.select({QString(), QString()}, 1);
-    EXPECT_TRUE(says("Files, several selected: none is shown"));
+    EXPECT_TRUE(says("Files, 2 selected: nothing is shown"));
     files.signal(SIGSTOP);
     EXPECT_TRUE(says("The file manager does not answer"));
     controller.useCurrentiTunesSongForSync();

@@ -22,6 +22,21 @@ TEST(Program, ASecondStartHandsOverToTheFirst) {
     EXPECT_TRUE(UserDefaults().value(QStringLiteral("windowGeometry")).isValid());
 }
 
+TEST(Program, ASecondStartReplacesAFirstThatHangs) {
+    ChildProcess first({SONARIN_PROGRAM});
+    ASSERT_TRUE(waitFor(isOnTheBus, 20000));
+    first.signal(SIGSTOP);
+    ChildProcess second({SONARIN_PROGRAM, SONARIN_SAMPLES "/sample.mp3"});
+    EXPECT_FALSE(second.hasEnded(6000)); // it has shown its own window by now
+    first.signal(SIGCONT);
+    EXPECT_TRUE(first.hasEnded(10000));
+    EXPECT_EQ(first.exitCode(), 0);
+    EXPECT_FALSE(second.hasEnded(500));
+    EXPECT_TRUE(isOnTheBus());
+    second.signal(SIGTERM);
+    EXPECT_TRUE(second.hasEnded(10000));
+}
+
 TEST(Program, RefusesUnknownOptions) {
     ChildProcess program({SONARIN_PROGRAM, "--foo"}, ChildProcess::Errors::asOutput);
     ASSERT_TRUE(program.hasEnded(10000));

@@ -42,7 +42,7 @@ protected:
 
     bool show(const std::string& path) { return controller->updateValuesForNewPath(pathOf(path)); }
     [[nodiscard]] std::string title() const { return controller->id3SongTitleField->text().toStdString(); }
-    [[nodiscard]] bool isReading() const { return !controller->readingField->isHidden(); }
+    [[nodiscard]] bool isReading() const { return controller->isReading(); }
     bool shows(const std::string& text) {
         return waitFor([&] { return title() == text && !isReading(); });
     }
@@ -63,7 +63,7 @@ TEST_F(OnASlowDisk, LeavesWhatHangsBehind) {
         const std::string path = disk.song(name, "late");
         EXPECT_TRUE(show(path)) << name;
         EXPECT_TRUE(isReading());
-        EXPECT_EQ(controller->readingField->text(), "Reading…");
+        EXPECT_EQ(controller->followStatusField->text(), "Reading…");
         EXPECT_EQ(controller->fileNameField->text().toStdString(), name);
         EXPECT_EQ(controller->lastPath, pathOf(path));
         EXPECT_EQ(title(), "");
@@ -113,7 +113,7 @@ TEST_F(OnASlowDisk, LeavesNoMoreThanTwoReadingsOfADiskBehind) {
 TEST_F(OnASlowDisk, SaysHowFarALongSearchIs) {
     show(disk.write("late-20-x.mp3", std::string(4000000, 'x')));
     const auto share = [&] {
-        const QString text = controller->readingField->text();
+        const QString text = controller->followStatusField->text();
         return text.endsWith(u'%') ? text.mid(text.indexOf(u' ')).chopped(1).toInt() : -1;
     };
     EXPECT_TRUE(waitFor([&] { return share() > 0; }));

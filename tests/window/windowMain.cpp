@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <chrono>
 
 /// Real widgets on Qt's offscreen platform, preferences in a folder of the tests' own, and a bus of their
 /// own.
@@ -23,5 +24,6 @@ int main(int argc, char** argv) {
     sonarin::decodePicturesWithQt();
     const int result = RUN_ALL_TESTS();
     sonarin::TestBus::stop();
+    (void)sonarin::SideWork::haveThreadsEnded(std::chrono::seconds(5));
     return result;
 }

@@ -61,7 +61,7 @@ void runFor(int milliseconds) {
 }
 
 void waitForFile(const AppController& controller) {
-    (void)waitFor([&] { return controller.readingField->isHidden(); }, 30000);
+    (void)waitFor([&] { return !controller.isReading(); }, 30000);
 }
 
 void TestBus::start() {
@@ -131,6 +131,10 @@ void installPrograms(const TestFolder& home) {
     installScript(home, "browser", "%u\nMimeType=x-scheme-handler/http;x-scheme-handler/https;\n");
     installScript(home, "tagger", "--edit %f\nX-HFS-Creator=Abcd;Tagr\n");
     installScript(home, "rage", "%U\nNoDisplay=true\nX-HFS-Creator=0x4D6564A8\n");
+    installScript(home, "category", "%f\nMimeType=audio/mpeg;\nCategories=Audio;AudioVideoEditing;\n");
+    installScript(home, "keyword", "%f\nMimeType=audio/mpeg;\nKeywords=music;ID3;\n");
+    installScript(home, "player", "%f\nMimeType=audio/mpeg;\nKeywords=music;\nCategories=Audio;Player;\n");
+    installScript(home, "nosound", "%f\nMimeType=text/plain;\nKeywords=tag;\n");
     installScript(home, "gone", "%f\nTryExec=/nowhere/gone\nX-HFS-Creator=id3x\n");
     installScript(home, "hidden", "%f\nHidden=true\nX-HFS-Creator=id3x\n");
     home.write("config/mimeapps.list", "[Default Applications]\nx-scheme-handler/shelvix=cataloguer.desktop\n"
