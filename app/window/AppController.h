@@ -87,8 +87,8 @@ public:
 
     // --- renaming -----------------------------------------------------------------------------------------
     /// Renames the file in its folder; false, and nothing changed, when it is gone or the name is refused.
-    /// For any thread.
-    static bool renameFileAtPath(const QString& path, const SvxStringRef& newName);
+    /// `*result` gets what feRenameFolder answers. For any thread.
+    static bool renameFileAtPath(const QString& path, const SvxStringRef& newName, std::int32_t* result);
 
     // --- following ----------------------------------------------------------------------------------------
     void updateSelection();

@@ -36,14 +36,6 @@ std::string hostPath(const QString& path) {
     return ref.path;
 }
 
-/// What feRenameFolder answers, or that there is no such path.
-std::int32_t renameItemAt(const QString& path, const SvxStringRef& newName) {
-    FSRef ref;
-    FSRef renamed;
-    const std::int32_t result = feMakeFSRefFromPath(cocoaUtils::textFromString(path), &ref);
-    return result == fileNoErr ? feRenameFolder(ref, newName, &renamed) : result;
-}
-
 } // namespace
 
 void AppController::rename(RenamePattern pattern) {
@@ -58,7 +50,9 @@ void AppController::rename(RenamePattern pattern) {
     };
     const auto renaming =
         std::make_shared<Renaming>(Renaming{renameFileName(pattern, currentItem, currentItemType)});
-    const auto work = [renaming, path = lastPath] { renaming->result = renameItemAt(path, renaming->name); };
+    const auto work = [renaming, path = lastPath] {
+        (void)renameFileAtPath(path, renaming->name, &renaming->result);
+    };
     const auto done = [this, renaming] {
         isRenaming_ = false;
         say(QString::fromStdString(renameOutcome(renaming->result, renaming->name)));
@@ -69,8 +63,14 @@ void AppController::rename(RenamePattern pattern) {
     }
 }
 
-bool AppController::renameFileAtPath(const QString& path, const SvxStringRef& newName) {
-    return renameItemAt(path, newName) == fileNoErr;
+bool AppController::renameFileAtPath(const QString& path, const SvxStringRef& newName, std::int32_t* result) {
+    FSRef ref;
+    FSRef renamed;
+    *result = feMakeFSRefFromPath(cocoaUtils::textFromString(path), &ref);
+    if (*result == fileNoErr) {
+        *result = feRenameFolder(ref, newName, &renamed);
+    }
+    return *result == fileNoErr;
 }
 
 void AppController::find(FindKey key) {

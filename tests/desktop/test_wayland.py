@@ -22,6 +22,10 @@ exec sh -c 'echo $WAYLAND_DISPLAY > {0}.new && mv {0}.new {0}'
 """
 
 
+class NoCompositor(Exception):
+    pass
+
+
 class WaylandDesktop(Desktop):
     def _start_screen(self):
         ready = self.scratch / "wayland"
@@ -29,7 +33,8 @@ class WaylandDesktop(Desktop):
         self.environment["SWAYSOCK"] = str(self.scratch / "sway.sock")
         self.spawn("sway", "--config", self.scratch / "config", environment={
             "WLR_BACKENDS": "headless", "WLR_RENDERER": "pixman", "WLR_LIBINPUT_NO_DEVICES": "1"})
-        assert wait_until(ready.exists, 20, 0.1), "sway does not start: " + self.log("sway")
+        if not wait_until(ready.exists, 20, 0.1):
+            raise NoCompositor(self.log("sway"))
         self.environment.update(WAYLAND_DISPLAY=ready.read_text().strip(), QT_QPA_PLATFORM="wayland")
 
     def spawn(self, *command, **options):
@@ -67,7 +72,10 @@ class Wayland(unittest.TestCase):
         gone = missing("sway", "wtype", "wl-copy", "wl-paste")
         if gone:
             self.skipTest("NOT TESTED, missing: " + " ".join(gone))
-        self.desktop = WaylandDesktop()
+        try:
+            self.desktop = WaylandDesktop()
+        except NoCompositor as reason:
+            self.skipTest(f"NOT TESTED, sway does not start here: {reason}")
         self.addCleanup(self.desktop.close)
         self.desktop.environment["XDG_DATA_DIRS"] = f"{PREFIX}/share:/usr/share"
         self.song = self.desktop.home / "song.mp3"
