@@ -4,14 +4,15 @@
 #include <unicode/uversion.h>
 
 #include <array>
+#include <cstdint>
 
 namespace sonarin {
 
 std::string unicodeVersion() {
-    UVersionInfo version = {}; // NOLINT(*-avoid-c-arrays): the library's own type
+    std::array<std::uint8_t, U_MAX_VERSION_LENGTH> version{};
     std::array<char, U_MAX_VERSION_STRING_LENGTH> text{};
-    u_getVersion(version);
-    u_versionToString(version, text.data());
+    u_getVersion(version.data());
+    u_versionToString(version.data(), text.data());
     return text.data();
 }
 
