@@ -85,7 +85,7 @@ constexpr std::array hosts = {
          {{{"sonarin_selection.py", Folder::data, "rhythmbox/plugins/sonarin/sonarin_selection.py"},
            {"rhythmbox/sonarin_rhythmbox.py", Folder::data, "rhythmbox/plugins/sonarin/sonarin_rhythmbox.py"},
            {"rhythmbox/sonarin.plugin", Folder::data, "rhythmbox/plugins/sonarin/sonarin.plugin"}}},
-         {{{"/usr/lib/*/libpeas-1.0/loaders/libpython3loader.so", "rhythmbox-plugins"}}}},
+         {{{"/usr/lib/*/girepository-1.0/RB-3.0.typelib", "rhythmbox-plugins"}}}},
 };
 // clang-format on
 
