@@ -79,8 +79,8 @@ bool holdsAudioType(GDesktopAppInfo* program) {
     return false;
 }
 
-/// Whether an entry without a creator code is that of a tag editor (Desktop Menu Specification 1.1,
-/// registered categories).
+/// Whether an entry without a creator code is that of a tag editor (by the categories that freedesktop.org
+/// registers for menus).
 bool editsTags(GDesktopAppInfo* program) {
     constexpr std::array<std::string_view, 6> tagKeywords = {"tag",        "tags", "tagger",
                                                              "tag editor", "id3",  "metadata"};

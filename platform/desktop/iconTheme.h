@@ -16,8 +16,8 @@ struct IconTheme {
     [[nodiscard]] static IconTheme current();
 };
 
-/// The image of the icon in the theme or those that it inherits from (freedesktop.org, Icon Theme
-/// Specification 0.13), of the size in pixels or as near to it as there is one; null when there is none. For
+/// The image of the icon in the theme or those that it inherits from (freedesktop.org icon themes,
+/// version 0.13), of the size in pixels or as near to it as there is one; null when there is none. For
 /// any thread; asks the disk each time.
 [[nodiscard]] QImage themeIcon(const IconTheme& theme, const QString& name, int size);
 
