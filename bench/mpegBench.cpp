@@ -49,7 +49,7 @@ std::string headerlessFile(const std::string& kind) {
 
 std::string joinedFramesFile() {
     std::string frames;
-    const std::string frame = id3Frame("TPE1", std::string(1, '\0') + std::string(85, 'a'));
+    const std::string frame = textFrame("TPE1", std::string(85, 'a'));
     for (int i = 0; i < 670000; ++i) {
         frames += frame;
     }

@@ -19,6 +19,7 @@
 
 namespace {
 
+using sonarin::sample::textFrame;
 using namespace sonarin; // NOLINT(google-build-using-namespace): a program of one file
 
 QPalette darkPalette() {
@@ -37,10 +38,6 @@ QPalette highContrastPalette() {
     return palette;
 }
 
-std::string text(const char* id, const std::string& value) {
-    return sample::id3Frame(id, std::string(1, '\0') + value);
-}
-
 std::string wideText(const char* id, const std::u16string& value) {
     std::string units = sample::bytes("\1\xFF\xFE");
     for (const char16_t unit : value) {
@@ -51,15 +48,15 @@ std::string wideText(const char* id, const std::u16string& value) {
 
 std::string longTexts() {
     return sample::id3Tag(
-               text(
+               textFrame(
                    "TIT2",
                    "A title that goes on and on, until no window of a reasonable size could show all of it") +
                wideText("TPE1", u"שלום עולם — " + std::u16string(200, u'x')) +
-               text("TALB", "<b>AC&DC</b> [*]") +
-               text("COMM",
-                    sample::bytes("eng\0one line\nanother line\nand a third that does not end where the "
-                                  "window ends, not for a long time\0")) +
-               text("TCON", "Genre after genre after genre after genre") + text("TRCK", "3/12")) +
+               textFrame("TALB", "<b>AC&DC</b> [*]") +
+               textFrame("COMM",
+                         sample::bytes("eng\0one line\nanother line\nand a third that does not end where the "
+                                       "window ends, not for a long time\0")) +
+               textFrame("TCON", "Genre after genre after genre after genre") + textFrame("TRCK", "3/12")) +
            sample::mpegAudio(50000);
 }
 
@@ -82,7 +79,7 @@ std::string withPicture(int width, int height) {
     QBuffer buffer(&content);
     image.save(&buffer, "PNG");
     return sample::id3Tag(
-               text("TIT2", "With a picture") + text("TPE1", "Somebody") +
+               textFrame("TIT2", "With a picture") + textFrame("TPE1", "Somebody") +
                sample::id3Frame("APIC", sample::bytes("\0image/png\0\3\0") + content.toStdString())) +
            sample::mpegAudio(50000);
 }

@@ -213,6 +213,7 @@ void AppController::awakeFromNib() {
     clearFacts();
     constexpr int iconSize = 256;
     fileIconField->setIcon(QApplication::windowIcon().pixmap(iconSize, iconSize).toImage());
+    noteWhyMenusAreEmpty();
     enableTwitterButton();
     updateCommands();
 }
@@ -395,9 +396,7 @@ void AppController::noteOpened(const QString& path) {
 }
 
 void AppController::rememberOpened() {
-    FSRef ref;
-    (void)feMakeFSRefFromPath(cocoaUtils::textFromString(openedPath_), &ref);
-    recentFiles_->add(QByteArray::fromStdString(ref.path));
+    recentFiles_->add(QByteArray::fromStdString(cocoaUtils::hostPath(openedPath_)));
     openedPath_ = QString();
 }
 

@@ -29,13 +29,6 @@ void openUrlText(const SvxStringRef& url) {
     openUrl(cocoaUtils::stringFromText(url).toStdString());
 }
 
-/// The bytes of the path; empty where there are none.
-std::string hostPath(const QString& path) {
-    FSRef ref;
-    (void)feMakeFSRefFromPath(cocoaUtils::textFromString(path), &ref);
-    return ref.path;
-}
-
 } // namespace
 
 void AppController::rename(RenamePattern pattern) {
@@ -57,7 +50,7 @@ void AppController::rename(RenamePattern pattern) {
         isRenaming_ = false;
         say(QString::fromStdString(renameOutcome(renaming->result, renaming->name)));
     };
-    sideWork_.start(hostPath(lastPath), work, done);
+    sideWork_.start(cocoaUtils::hostPath(lastPath), work, done);
     if (!sideWork_.waitUntil([this] { return !isRenaming_; })) {
         say(QStringLiteral("Renaming…"));
     }
@@ -98,7 +91,7 @@ void AppController::withShownItem(const std::function<void(const std::string& pa
         bool isOver = false;
         bool isLate = false;
     };
-    const auto look = std::make_shared<Look>(Look{hostPath(lastPath)});
+    const auto look = std::make_shared<Look>(Look{cocoaUtils::hostPath(lastPath)});
     const auto work = [look] {
         if (access(look->path.c_str(), F_OK) != 0) {
             look->path.clear();

@@ -25,10 +25,8 @@ namespace {
 
 /// The bytes of the absolute path.
 QByteArray hostBytes(const QString& path) {
-    FSRef ref;
-    (void)feMakeFSRefFromPath(cocoaUtils::textFromString(path), &ref);
     std::error_code unknown;
-    return QByteArray::fromStdString(std::filesystem::absolute(ref.path, unknown).string());
+    return QByteArray::fromStdString(std::filesystem::absolute(cocoaUtils::hostPath(path), unknown).string());
 }
 
 /// The name of the file without its extension, as far as a name with any extension can hold it.

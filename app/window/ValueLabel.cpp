@@ -106,15 +106,6 @@ void ValueLabel::changeEvent(QEvent* event) {
     }
 }
 
-QSize ValueLabel::sizeHint() const {
-    constexpr int characters = 16;
-    return {fontMetrics().averageCharWidth() * characters, heightOfLines(1)};
-}
-
-QSize ValueLabel::minimumSizeHint() const {
-    return {fontMetrics().averageCharWidth() * 4, heightOfLines(1)};
-}
-
 int ValueLabel::heightOfLines(int lines) const {
     return fontMetrics().lineSpacing() * lines + ringRoom.top() + ringRoom.bottom();
 }

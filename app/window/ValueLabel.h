@@ -6,8 +6,8 @@
 namespace sonarin {
 
 /// A text from a file: shown as plain text whatever it holds, selectable, reached by Tab where there is one,
-/// wrapped where it may be, cut with an ellipsis where the room ends, whole in its tool tip. It asks for the
-/// same room for every text, so that none changes the window.
+/// wrapped where it may be, cut with an ellipsis where the room ends, whole in its tool tip. Its form
+/// places it (see PanelView).
 class ValueLabel : public QLabel {
     Q_OBJECT
     /// How large the text is in comparison to the form's other texts.
@@ -41,8 +41,6 @@ public:
     [[nodiscard]] bool isLeadingBlankHidden() const { return isLeadingBlankHidden_; }
     void setLeadingBlankHidden(bool hidden) { isLeadingBlankHidden_ = hidden; }
 
-    [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] QSize minimumSizeHint() const override;
     /// The height of so many lines.
     [[nodiscard]] int heightOfLines(int lines) const;
     /// How many lines the text takes at that width, at most `mostLines`.

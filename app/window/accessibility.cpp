@@ -15,10 +15,41 @@ namespace sonarin {
 
 namespace {
 
-/// A widget whose text can be read, besides its name.
-class ReadableWidget : public QAccessibleWidget, public QAccessibleTextInterface {
+/// A widget that may have an action of its own, and one that pops up from it as its child.
+class Control : public QAccessibleWidget {
 public:
-    ReadableWidget(QWidget* widget, QAccessible::Role role) : QAccessibleWidget(widget, role) {}
+    Control(QWidget* widget, QAccessible::Role role) : QAccessibleWidget(widget, role) {}
+
+    /// Empty for none.
+    [[nodiscard]] virtual QString ownAction() const { return {}; }
+    virtual void carryOut() {}
+    /// Null for none.
+    [[nodiscard]] virtual QWidget* poppedUp() const { return nullptr; }
+
+    [[nodiscard]] QStringList actionNames() const override {
+        const QStringList names = QAccessibleWidget::actionNames();
+        return ownAction().isEmpty() ? names : QStringList{ownAction()} + names;
+    }
+    void doAction(const QString& name) override {
+        if (!name.isEmpty() && name == ownAction()) {
+            carryOut();
+        } else {
+            QAccessibleWidget::doAction(name);
+        }
+    }
+    [[nodiscard]] int childCount() const override { return poppedUp() != nullptr ? 1 : 0; }
+    [[nodiscard]] QAccessibleInterface* child(int index) const override {
+        return index == 0 ? QAccessible::queryAccessibleInterface(poppedUp()) : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        return poppedUp() != nullptr && child->object() == poppedUp() ? 0 : -1;
+    }
+};
+
+/// A widget whose text can be read, besides its name.
+class ReadableWidget : public Control, public QAccessibleTextInterface {
+public:
+    using Control::Control;
 
     [[nodiscard]] virtual QString content() const = 0;
 
@@ -85,54 +116,33 @@ public:
         : ReadableWidget(list, QAccessible::ComboBox), list_(list) {}
 
     [[nodiscard]] QString content() const override { return list_->currentText(); }
-    [[nodiscard]] int childCount() const override { return 1; }
-    [[nodiscard]] QAccessibleInterface* child(int index) const override {
-        return index == 0 ? QAccessible::queryAccessibleInterface(list_->view()) : nullptr;
-    }
-    int indexOfChild(const QAccessibleInterface* child) const override {
-        return child->object() == list_->view() ? 0 : -1;
-    }
-    [[nodiscard]] QStringList actionNames() const override {
-        return QStringList{pressAction()} + QAccessibleWidget::actionNames();
-    }
-    void doAction(const QString& name) override {
-        if (name == pressAction()) {
-            list_->showPopup();
-        } else {
-            QAccessibleWidget::doAction(name);
-        }
-    }
+    [[nodiscard]] QWidget* poppedUp() const override { return list_->view(); }
+    [[nodiscard]] QString ownAction() const override { return pressAction(); }
+    void carryOut() override { list_->showPopup(); }
 
 private:
     SourceList* list_;
 };
 
-class AccessiblePicture final : public QAccessibleWidget {
+class AccessiblePicture final : public Control {
 public:
     explicit AccessiblePicture(PictureView* picture)
-        : QAccessibleWidget(picture, QAccessible::Graphic), picture_(picture) {}
+        : Control(picture, QAccessible::Graphic), picture_(picture) {}
 
-    [[nodiscard]] QStringList actionNames() const override {
-        const QStringList names = QAccessibleWidget::actionNames();
-        return picture_->showsImage() ? QStringList{pressAction()} + names : names;
+    [[nodiscard]] QString ownAction() const override {
+        return picture_->showsImage() ? pressAction() : QString();
     }
-    void doAction(const QString& name) override {
-        if (name == pressAction()) {
-            QMetaObject::invokeMethod(picture_, "opened", Qt::QueuedConnection);
-        } else {
-            QAccessibleWidget::doAction(name);
-        }
-    }
+    void carryOut() override { QMetaObject::invokeMethod(picture_, "opened", Qt::QueuedConnection); }
 
 private:
     PictureView* picture_;
 };
 
 /// The toolkit's own would keep who presses it waiting until the menu is closed.
-class AccessiblePullDown final : public QAccessibleWidget {
+class AccessiblePullDown final : public Control {
 public:
     explicit AccessiblePullDown(PullDownButton* button)
-        : QAccessibleWidget(button, QAccessible::ButtonMenu), button_(button) {}
+        : Control(button, QAccessible::ButtonMenu), button_(button) {}
 
     [[nodiscard]] QString text(QAccessible::Text kind) const override {
         return kind == QAccessible::Name ? button_->text().remove(u'&') : QAccessibleWidget::text(kind);
@@ -144,21 +154,11 @@ public:
         state.expanded = button_->menu()->isVisible();
         return state;
     }
-    [[nodiscard]] int childCount() const override { return button_->menu()->isVisible() ? 1 : 0; }
-    [[nodiscard]] QAccessibleInterface* child(int index) const override {
-        return index == 0 ? QAccessible::queryAccessibleInterface(button_->menu()) : nullptr;
+    [[nodiscard]] QWidget* poppedUp() const override {
+        return button_->menu()->isVisible() ? button_->menu() : nullptr;
     }
-    int indexOfChild(const QAccessibleInterface* child) const override {
-        return child->object() == button_->menu() ? 0 : -1;
-    }
-    [[nodiscard]] QStringList actionNames() const override { return {showMenuAction(), setFocusAction()}; }
-    void doAction(const QString& name) override {
-        if (name == showMenuAction()) {
-            QMetaObject::invokeMethod(button_, "pullDown", Qt::QueuedConnection);
-        } else {
-            QAccessibleWidget::doAction(name);
-        }
-    }
+    [[nodiscard]] QString ownAction() const override { return showMenuAction(); }
+    void carryOut() override { QMetaObject::invokeMethod(button_, "pullDown", Qt::QueuedConnection); }
 
 private:
     PullDownButton* button_;

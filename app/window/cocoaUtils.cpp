@@ -37,6 +37,12 @@ QString cocoaUtils::pathText(const QByteArray& path) {
     return stringFromText(feMakePathText({path.constData(), static_cast<std::size_t>(path.size())}));
 }
 
+std::string cocoaUtils::hostPath(const QString& path) {
+    FSRef ref;
+    (void)feMakeFSRefFromPath(textFromString(path), &ref);
+    return ref.path;
+}
+
 SvxStringRef cocoaUtils::textFromString(const QString& string) {
     if (string.isNull()) {
         return nullptr;

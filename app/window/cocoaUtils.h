@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <string>
 
 namespace sonarin {
 
@@ -20,6 +21,8 @@ public:
     [[nodiscard]] static QString stringFromText(const SvxStringRef& text);
     /// The text of a path given as bytes.
     [[nodiscard]] static QString pathText(const QByteArray& path);
+    /// The bytes of the path; empty where it can be none.
+    [[nodiscard]] static std::string hostPath(const QString& path);
     [[nodiscard]] static SvxStringRef textFromString(const QString& string);
 };
 

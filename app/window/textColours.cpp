@@ -64,10 +64,6 @@ void preferHighContrast(bool isPreferred) {
     isHighContrast = isPreferred;
 }
 
-bool isHighContrastPreferred() {
-    return isHighContrast;
-}
-
 void drawFocusRing(QPainter& painter, const QWidget& widget) {
     const double width = isHighContrast ? 2 : 1.5;
     const double inset = width / 2;

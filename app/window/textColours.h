@@ -25,7 +25,6 @@ void weakenText(QWidget& widget);
 
 /// The user's wish for high contrast; to be told before anything is painted, and again when it changes.
 void preferHighContrast(bool isPreferred);
-[[nodiscard]] bool isHighContrastPreferred();
 
 /// Shows that the widget has the keyboard.
 void drawFocusRing(QPainter& painter, const QWidget& widget);

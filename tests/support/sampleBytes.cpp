@@ -31,6 +31,10 @@ std::string id3Frame(const std::string& id, const std::string& data) {
                           : id + bigEndian(data.size()) + std::string(2, '\0') + data;
 }
 
+std::string textFrame(const std::string& id, const std::string& text) {
+    return id3Frame(id, '\0' + text);
+}
+
 std::string id3Tag(const std::string& frames, std::size_t padding, char majorVersion, char flags) {
     const std::size_t size = frames.size() + padding;
     std::string tag = std::string("ID3") + majorVersion + '\0' + flags;

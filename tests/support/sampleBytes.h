@@ -27,6 +27,9 @@ std::string padded(std::string text, std::size_t size, char padding = '\0');
 /// `data` includes the encoding byte.
 std::string id3Frame(const std::string& id, const std::string& data);
 
+/// A frame with a text in ISO-8859-1.
+std::string textFrame(const std::string& id, const std::string& text);
+
 /// An ID3v2 tag of frames and padding.
 std::string id3Tag(const std::string& frames, std::size_t padding = 16, char majorVersion = 3,
                    char flags = 0);

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/sampleBytes.h"
-#include "tests/window/windowSupport.h"
-
-#include <gtest/gtest.h>
+#include "tests/window/windowTest.h"
 
 #include <QApplication>
 #include <QMessageBox>
 #include <QRegularExpression>
-#include <QTimer>
 #include <filesystem>
 #include <vector>
 
@@ -20,15 +17,10 @@ using sample::bytes;
 using sample::id3Frame;
 using sample::id3Tag;
 using sample::mpegAudio;
+using sample::textFrame;
 
-class Actions : public testing::Test {
+class Actions : public WindowTest {
 protected:
-    Actions() {
-        forgetPreferences();
-        controller = std::make_unique<AppController>(&sources, &defaults);
-        controller->gUpdateTimer->stop();
-    }
-
     std::string showFrames(const std::string& frames, const std::string& name = "x.mp3") {
         const std::string path = folder.write(name, id3Tag(frames) + mpegAudio(5000));
         controller->updateValuesForNewPath(QString());
@@ -37,13 +29,10 @@ protected:
         waitForFile(*controller);
         return path;
     }
-    static std::string text(const char* id, const std::string& value) {
-        return id3Frame(id, std::string(1, '\0') + value);
-    }
     /// The alert that the action shows, closed by its button.
-    QString alertOf(const std::function<void()>& action) const {
+    static QString alertOf(const std::function<void()>& action) {
         QString shown;
-        QTimer::singleShot(100, [&shown] {
+        meanwhile(action, [&shown] {
             auto* alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
             if (alert != nullptr) {
                 shown = alert->text() + '|' + alert->button(QMessageBox::Ok)->text() + '|' +
@@ -51,20 +40,13 @@ protected:
                 alert->button(QMessageBox::Ok)->click();
             }
         });
-        action();
-        runFor(150);
         return shown;
     }
-
-    TestFolder folder;
-    FixedSources sources;
-    UserDefaults defaults;
-    std::unique_ptr<AppController> controller;
 };
 
 TEST_F(Actions, RenameByEveryPattern) {
-    const std::string frames =
-        text("TIT2", "Song") + text("TPE1", "Ann") + text("TALB", "Album") + text("TRCK", "3");
+    const std::string frames = textFrame("TIT2", "Song") + textFrame("TPE1", "Ann") +
+                               textFrame("TALB", "Album") + textFrame("TRCK", "3");
     const std::vector<std::pair<void (AppController::*)(), std::string>> cases = {
         {&AppController::renameToSongTitle, "Song.mp3"},
         {&AppController::renameToTrackNumSongTitle, "03 - Song.mp3"},
@@ -90,7 +72,7 @@ TEST_F(Actions, RenameNeitherReplacesNorMoves) {
     const std::string taken = folder.write("Taken.mp3", "precious");
     for (const std::string& title :
          {std::string("Taken"), std::string("../../x"), std::string("a/b"), bytes("Tak\0en\0")}) {
-        const std::string path = showFrames(text("TIT2", title));
+        const std::string path = showFrames(textFrame("TIT2", title));
         controller->renameToSongTitle();
         EXPECT_TRUE(fs::exists(path)) << title;
     }
@@ -108,33 +90,33 @@ TEST_F(Actions, RenameLeavesOutU0000) {
 }
 
 TEST_F(Actions, EmptyMenusSayWhy) {
-    showFrames(text("TPE1", "Ann"));
+    showFrames(textFrame("TPE1", "Ann"));
     emit controller->renamePopup->menu()->aboutToShow();
     EXPECT_EQ(controller->renamePopup->numberOfItems(), 1); // it is none of the items
     const QAction* note = controller->renamePopup->menu()->actions().value(0);
     ASSERT_NE(note, nullptr);
     EXPECT_EQ(note->text(), "No title in the tag");
     EXPECT_FALSE(note->isEnabled());
-    showFrames(text("TIT2", "Song"));
+    showFrames(textFrame("TIT2", "Song"));
     EXPECT_EQ(controller->renamePopup->menu()->actions().size(), 1);
     EXPECT_EQ(controller->renamePopup->itemTitleAtIndex(1), "Rename to:   Song.mp3");
 }
 
 /// The commands of the menu bar are as enabled as the buttons.
 TEST_F(Actions, CommandsGoWithTheirButtons) {
-    const auto* lyrics = controller->myWindow->findChild<QAction*>("lyricsAction");
-    const auto* twitter = controller->myWindow->findChild<QAction*>("twitterAction");
+    const QAction* lyrics = command("lyricsAction");
+    const QAction* twitter = command("twitterAction");
     EXPECT_FALSE(lyrics->isEnabled() || twitter->isEnabled());
-    showFrames(text("TIT2", "Song") + text("TPE1", "Ann") + id3Frame("USLT", bytes("\0eng\0la\0")));
+    showFrames(textFrame("TIT2", "Song") + textFrame("TPE1", "Ann") + id3Frame("USLT", bytes("\0eng\0la\0")));
     EXPECT_TRUE(lyrics->isEnabled() && twitter->isEnabled());
-    showFrames(text("TIT2", "Song"));
+    showFrames(textFrame("TIT2", "Song"));
     EXPECT_FALSE(lyrics->isEnabled() || twitter->isEnabled());
 }
 
 TEST_F(Actions, FindHandsOverEscapedUrls) {
-    showFrames(text("TIT2", "AC&DC / 50%") + id3Frame("TPE1", bytes("\1\xFF\xFE\xE9\0")) +
-               text("TALB", "A=b?") + text("TYER", "1999") + text("TCON", "Folk, Rock") +
-               text("TCOM", "$+:;@"));
+    showFrames(textFrame("TIT2", "AC&DC / 50%") + id3Frame("TPE1", bytes("\1\xFF\xFE\xE9\0")) +
+               textFrame("TALB", "A=b?") + textFrame("TYER", "1999") + textFrame("TCON", "Folk, Rock") +
+               textFrame("TCOM", "$+:;@"));
     const std::vector<std::pair<void (AppController::*)(), std::string>> cases = {
         {&AppController::svxFindSong, "song=AC%26DC%20%2F%2050%25"},
         {&AppController::svxFindAlbum, "album=A%3Db%3F"},
@@ -151,7 +133,7 @@ TEST_F(Actions, FindHandsOverEscapedUrls) {
     controller->sendToTwitter();
     EXPECT_EQ(calledWith("browser"),
               "http://twitter.com/home/?status=Listening+to:+%C3%A9+-+AC%26DC%20%2F%2050%25\n");
-    showFrames(text("TIT2", "alone"));
+    showFrames(textFrame("TIT2", "alone"));
     controller->sendToTwitter();
     EXPECT_EQ(calledWith("browser", 300), "");
     controller->donate();
@@ -159,7 +141,7 @@ TEST_F(Actions, FindHandsOverEscapedUrls) {
 }
 
 TEST_F(Actions, EditorsAreFoundByTheirCode) {
-    const std::string path = showFrames(text("TIT2", "x"), "a b \xC3\xA9.mp3");
+    const std::string path = showFrames(textFrame("TIT2", "x"), "a b \xC3\xA9.mp3");
     EXPECT_EQ(alertOf([&] { controller->editWithTheTagger(); }), QString());
     EXPECT_EQ(calledWith("tagger"), "--edit\n" + path + '\n');
     controller->editTagsPopup->activateItemAtIndex(1);
@@ -201,7 +183,7 @@ TEST_F(Actions, LyricsAndHelpHaveTheirWindows) {
     controller->lyricsButton->click();
     EXPECT_TRUE(controller->lyricsWindow->isVisible());
     EXPECT_EQ(controller->lyricsText->toPlainText(), "<b>la</b>");
-    showFrames(text("TIT2", "x"));
+    showFrames(textFrame("TIT2", "x"));
     controller->showLyrics();
     EXPECT_EQ(controller->lyricsText->toPlainText(), " ");
 

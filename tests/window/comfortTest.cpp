@@ -4,9 +4,7 @@
 #include "app/window/textColours.h"
 #include "platform/desktop/fileIcon.h"
 #include "tests/support/sampleBytes.h"
-#include "tests/window/windowSupport.h"
-
-#include <gtest/gtest.h>
+#include "tests/window/windowTest.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -17,7 +15,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QRegularExpression>
-#include <QTimer>
 #include <QToolTip>
 #include <cerrno>
 #include <filesystem>
@@ -31,13 +28,11 @@ using sample::bytes;
 using sample::id3Frame;
 using sample::id3Tag;
 using sample::mpegAudio;
+using sample::textFrame;
 
-class Comfort : public testing::Test {
+class Comfort : public WindowTest {
 protected:
     Comfort() {
-        forgetPreferences();
-        controller = std::make_unique<AppController>(&sources, &defaults);
-        controller->gUpdateTimer->stop();
         controller->showMainWindow();
         (void)waitFor([this] { return controller->myWindow->isActiveWindow(); });
     }
@@ -50,9 +45,6 @@ protected:
     void showFrames(const std::string& frames, const std::string& name = "x.mp3") {
         show(folder.write(name, id3Tag(frames) + mpegAudio(5000)));
     }
-    [[nodiscard]] QAction* command(const char* name) const {
-        return controller->myWindow->findChild<QAction*>(QLatin1StringView(name));
-    }
     [[nodiscard]] QString foot() const { return controller->followStatusField->text(); }
     static QString copied() { return QGuiApplication::clipboard()->text(); }
     static void press(int key, QWidget* widget) {
@@ -60,12 +52,6 @@ protected:
             QKeyEvent event(type, key, Qt::NoModifier);
             QApplication::sendEvent(widget, &event);
         }
-    }
-    /// Does something with what pops up while the action waits for it.
-    static void meanwhile(const std::function<void()>& action, const std::function<void()>& then) {
-        QTimer::singleShot(100, then);
-        action();
-        runFor(200);
     }
     /// The titles as the menu shows them.
     static QStringList shownTitles(const PullDownButton& button) {
@@ -76,20 +62,11 @@ protected:
         }
         return titles;
     }
-
-    TestFolder folder;
-    FixedSources sources;
-    UserDefaults defaults;
-    std::unique_ptr<AppController> controller;
 };
 
-std::string text(const char* id, const std::string& value) {
-    return id3Frame(id, std::string(1, '\0') + value);
-}
-
 TEST_F(Comfort, CaptionsAreWholeAtEverySize) {
-    showFrames(text("TIT2", std::string(300, 'w')) +
-               text("COMM", "eng" + std::string(1, '\0') + std::string(300, 'c')));
+    showFrames(textFrame("TIT2", std::string(300, 'w')) +
+               textFrame("COMM", "eng" + std::string(1, '\0') + std::string(300, 'c')));
     const auto captions = controller->myWindow->findChild<QWidget*>("panelView")
                               ->findChildren<QLabel*>(QRegularExpression(QStringLiteral("FieldLabel$")));
     ASSERT_EQ(captions.size(), 11);
@@ -143,7 +120,7 @@ TEST_F(Comfort, WeakTextsCanBeRead) {
 }
 
 TEST_F(Comfort, TabReachesEveryValueThatThereIs) {
-    showFrames(text("TIT2", "Song") + text("TYER", "1999"));
+    showFrames(textFrame("TIT2", "Song") + textFrame("TYER", "1999"));
     const auto reached = [this] {
         QSet<QString> names;
         controller->syncCheckbox->setFocus();
@@ -203,7 +180,7 @@ TEST_F(Comfort, CopiesWhatIsThere) {
     controller->id3ArtistField->setSelection(4, 6);
     command("copyAction")->trigger();
     EXPECT_EQ(copied(), "Sample");
-    showFrames(text("COMM", bytes("eng\0one\ntwo")));
+    showFrames(textFrame("COMM", bytes("eng\0one\ntwo")));
     controller->id3CommentField->setFocus();
     controller->id3CommentField->setSelection(1, 5);
     command("copyAction")->trigger();
@@ -247,7 +224,7 @@ TEST_F(Comfort, TheCoverComesOut) {
                   auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
                   ASSERT_NE(dialog, nullptr);
                   suggested = dialog->selectedFiles().value(0);
-                  showFrames(text("TIT2", "the next file, without a picture"));
+                  showFrames(textFrame("TIT2", "the next file, without a picture"));
                   dialog->findChild<QLineEdit*>()->setText(QString::fromStdString(target));
                   QMetaObject::invokeMethod(dialog, "accept");
               });
@@ -269,7 +246,7 @@ TEST_F(Comfort, TheCoverComesOut) {
 }
 
 TEST_F(Comfort, LongWordsAreCutInSight) {
-    showFrames(text("TIT2", std::string(3000, 'w')));
+    showFrames(textFrame("TIT2", std::string(3000, 'w')));
     const ValueLabel* title = controller->id3SongTitleField;
     runFor(20);
     QHelpEvent asks(QEvent::ToolTip, QPoint(5, 5), title->mapToGlobal(QPoint(5, 5)));
@@ -295,7 +272,8 @@ TEST_F(Comfort, LongWordsAreCutInSight) {
 TEST_F(Comfort, LongEntriesAreCutWhereTheyDifferLeast) {
     const std::string artist(2000, 'a');
     const std::string title = "Begin" + std::string(2000, 't') + "End";
-    showFrames(text("TIT2", title) + text("TPE1", artist) + text("TALB", "Album") + text("TRCK", "3"));
+    showFrames(textFrame("TIT2", title) + textFrame("TPE1", artist) + textFrame("TALB", "Album") +
+               textFrame("TRCK", "3"));
     const QStringList shown = shownTitles(*controller->renamePopup);
     ASSERT_EQ(shown.size(), 4);
     const int screenWidth = controller->myWindow->screen()->availableGeometry().width();
@@ -340,7 +318,7 @@ TEST_F(Comfort, TheFootSaysWhatGoesOn) {
              {"a/b", "Not renamed: a name cannot hold a slash"},
              {"\x01\xFF\xFE" + wide, "Not renamed: the name is too long"},
              {"New", "Renamed"}}) {
-        showFrames(title[0] == 1 ? id3Frame("TIT2", title) : text("TIT2", title),
+        showFrames(title[0] == 1 ? id3Frame("TIT2", title) : textFrame("TIT2", title),
                    std::to_string(title.size()) + ".mp3");
         controller->renameToSongTitle();
         EXPECT_EQ(foot().toStdString(), says);

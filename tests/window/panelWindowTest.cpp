@@ -2,9 +2,7 @@
 #include "platform/desktop/iconTheme.h"
 #include "platform/desktop/qtPicture.h"
 #include "tests/support/sampleBytes.h"
-#include "tests/window/windowSupport.h"
-
-#include <gtest/gtest.h>
+#include "tests/window/windowTest.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -24,13 +22,8 @@ using sample::id3Frame;
 using sample::id3Tag;
 using sample::mpegAudio;
 
-class PanelWindow : public testing::Test {
+class PanelWindow : public WindowTest {
 protected:
-    PanelWindow() {
-        forgetPreferences();
-        controller = std::make_unique<AppController>(&sources, &defaults);
-    }
-
     bool show(const std::string& path) {
         const bool isAudio = controller->updateValuesForNewPath(pathOf(path));
         waitForFile(*controller);
@@ -39,11 +32,6 @@ protected:
     bool showFile(const std::string& name, const std::string& content) {
         return show(folder.write(name, content));
     }
-
-    TestFolder folder;
-    FixedSources sources;
-    UserDefaults defaults;
-    std::unique_ptr<AppController> controller;
 };
 
 std::string cover(const char* format, int dotsPerMetre) {

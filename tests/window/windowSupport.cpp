@@ -171,9 +171,9 @@ QString fileUri(const std::string& path) {
 }
 
 std::string songFile(const std::string& title, const std::string& artist) {
-    std::string frames = sample::id3Frame("TIT2", std::string(1, '\0') + title);
+    std::string frames = sample::textFrame("TIT2", title);
     if (!artist.empty()) {
-        frames += sample::id3Frame("TPE1", std::string(1, '\0') + artist);
+        frames += sample::textFrame("TPE1", artist);
     }
     return sample::id3Tag(frames) + sample::mpegAudio(5000);
 }
