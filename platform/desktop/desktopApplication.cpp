@@ -56,13 +56,14 @@ void DesktopApplication::registerName(QDBusConnectionInterface::ServiceQueueOpti
     if (!connection.isConnected()) {
         return;
     }
+    // Before the name is asked for: it may be taken away as soon as it is given.
+    connect(connection.interface(), &QDBusConnectionInterface::serviceUnregistered, this,
+            &DesktopApplication::takeLoss, Qt::UniqueConnection);
     // The object first: a request must not meet a name without one.
     connection.registerObject(objectPath(), this, QDBusConnection::ExportScriptableSlots);
     const auto reply = connection.interface()->registerService(identifier_, options,
                                                                QDBusConnectionInterface::AllowReplacement);
     hasName_ = reply.value() == QDBusConnectionInterface::ServiceRegistered;
-    connect(connection.interface(), &QDBusConnectionInterface::serviceUnregistered, this,
-            &DesktopApplication::takeLoss, Qt::UniqueConnection);
 }
 
 void DesktopApplication::takeLoss(const QString& name) {
