@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/host/connectors.h"
 
+#include "platform/host/userHome.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -107,8 +109,8 @@ std::string xdgFolder(const char* name, const char* inHome) {
     if (!folder.empty() && folder.front() == '/') {
         return folder;
     }
-    const std::string home = environment("HOME");
-    return !home.empty() && home.front() == '/' ? home + inHome : "";
+    const std::string home = userHome();
+    return home.empty() ? "" : home + inHome;
 }
 
 /// As Quod Libet chooses it: the folder of older versions counts while there is no newer one.
@@ -117,7 +119,7 @@ std::string quodLibetFolder(const std::string& config) {
     if (!chosen.empty()) {
         return chosen;
     }
-    std::string older = environment("HOME") + "/.quodlibet";
+    std::string older = userHome() + "/.quodlibet";
     std::error_code unknown;
     const std::string newer = config + "/quodlibet";
     return !fs::exists(newer, unknown) && fs::is_directory(older, unknown) ? older : newer;
