@@ -191,6 +191,8 @@ void AppController::awakeFromNib() {
     defaults_->registerDefault(finderSync, QStringLiteral("1"));
     defaults_->registerDefault(syncKindDefaultKey, static_cast<int>(finderSelection));
 
+    pasteTimer_.setSingleShot(true);
+    pasteTimer_.callOnTimeout(this, &AppController::pastePath);
     gUpdateTimer = new QTimer(this);
     gUpdateTimer->callOnTimeout(this, &AppController::updateSelection);
     gUpdateTimer->start(std::chrono::milliseconds(200));
@@ -474,6 +476,17 @@ void AppController::pastePath() {
     openFileUserDataError(&pasteboard);
 }
 
+/// The clipboard is told to the window that has the keyboard; on Wayland to no other.
+void AppController::showPastedPath() {
+    constexpr std::chrono::seconds patience(2);
+    showMainWindow();
+    if (myWindow->isActiveWindow()) {
+        pastePath();
+    } else {
+        pasteTimer_.start(patience);
+    }
+}
+
 void AppController::performClose() {
     QWidget* window = QApplication::activeWindow();
     (window != nullptr ? window : myWindow)->close();
@@ -516,6 +529,11 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
         acceptCopy(drop);
         return true;
     }
+    case QEvent::WindowActivate:
+        if (pasteTimer_.isActive()) {
+            pasteTimer_.start(0);
+        }
+        break;
     case QEvent::Close:
         defaults_->keep(windowGeometry, myWindow->saveGeometry());
         if (hasWayBack_ && !hasWayBack_()) {

@@ -109,6 +109,8 @@ public slots:
     void showConnectors();
     void openDocument();
     void pastePath();
+    /// As pastePath, for a program that may just have been started or is not in use.
+    void showPastedPath();
     void performClose();
     void terminate();
 
@@ -262,6 +264,7 @@ private:
     const SessionBus* bus_ = nullptr;
     std::unique_ptr<QActionGroup> syncKinds_;
     std::unique_ptr<RecentFiles> recentFiles_;
+    QTimer pasteTimer_; ///< runs while a path is to be pasted as soon as the window has the keyboard
     int timesDragged_ = 0;
     std::vector<DesktopEditor> editors_;          ///< as they were found last
     std::unique_ptr<QTemporaryDir> draggedFiles_; ///< until the program ends, since they may be taken late

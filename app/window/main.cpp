@@ -10,8 +10,10 @@
 #include "platform/desktop/fileUri.h"
 #include "platform/desktop/qtPicture.h"
 #include "platform/desktop/quitSignals.h"
+#include "platform/host/userHome.h"
 
 #include <QApplication>
+#include <QFontDatabase>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -26,10 +28,13 @@ namespace {
 
 constexpr const char* usage =
     "Usage: sonarin [FILE...]\n"
+    "       sonarin --show-pasted-path\n"
     "Opens the window and shows the files in it, the last one stays shown. A running Sonarin\n"
     "takes them over.\n"
-    "  --help      shows this\n"
-    "  --version   shows the version\n";
+    "  --show-pasted-path  shows the file whose path is on the clipboard\n"
+    "  --help              shows this\n"
+    "  --version           shows the version\n";
+constexpr std::string_view pastedPathOption = "--show-pasted-path";
 
 /// Whether there is a display to open a window on; Qt would end the program without one.
 bool hasDisplay() {
@@ -46,14 +51,18 @@ bool hasOption(int argc, char** argv, std::string_view option) {
     return false;
 }
 
-/// The first argument that looks like an option; null when there is none.
-const char* unknownOption(int argc, char** argv) {
+/// What is wrong with the call; empty when nothing is.
+std::string findProblem(int argc, char** argv) {
     for (int i = 1; i < argc && std::string_view(argv[i]) != "--"; ++i) {
-        if (std::string_view(argv[i]).starts_with('-')) {
-            return argv[i];
+        const std::string_view argument(argv[i]);
+        if (argument == pastedPathOption) {
+            return argc == 2 ? "" : "--show-pasted-path stands alone";
+        }
+        if (argument.starts_with('-')) {
+            return "there is no option " + std::string(argument);
         }
     }
-    return nullptr;
+    return {};
 }
 
 /// The files of the call as absolute paths, since a running program may have another working folder.
@@ -114,6 +123,8 @@ void connectWaysIn(DesktopApplication& desktop, AppController& controller) {
                          pasteboard.setText(text);
                          controller.openFileUserDataError(&pasteboard);
                      });
+    QObject::connect(&desktop, &DesktopApplication::pastedPathRequested, &controller,
+                     &AppController::showPastedPath);
 }
 
 int run(int argc, char** argv) {
@@ -129,13 +140,22 @@ int run(int argc, char** argv) {
         (void)std::fputs("sonarin: there is no display; sonarin-info shows the same on a terminal\n", stderr);
         return 1;
     }
+    if (qEnvironmentVariableIsEmpty("HOME")) { // where the toolkit and what is started from here look
+        qputenv("HOME", QByteArray::fromStdString(userHome()));
+    }
     QApplication application(argc, argv); // takes the toolkit's own options out
-    if (const char* option = unknownOption(argc, argv)) {
-        (void)std::fputs((std::string("sonarin: there is no option ") + option + '\n' + usage).c_str(),
-                         stderr);
+    const std::string problem = findProblem(argc, argv);
+    if (!problem.empty()) {
+        (void)std::fputs(("sonarin: " + problem + '\n' + usage).c_str(), stderr);
         return 2;
     }
-    const QList<QByteArray> paths = absolutePaths(argc, argv);
+    const bool showsPastedPath = hasOption(argc, argv, pastedPathOption);
+    const QList<QByteArray> paths = showsPastedPath ? QList<QByteArray>() : absolutePaths(argc, argv);
+    if (QFontDatabase::families().isEmpty()) {
+        (void)std::fputs("sonarin: there are no fonts, so the window shows no texts; a package such as "
+                         "fonts-dejavu-core brings some\n",
+                         stderr);
+    }
     QApplication::setDesktopFileName(QLatin1StringView(bundleIdentifier));
     QApplication::setWindowIcon(programIcon());
     QApplication::setQuitOnLastWindowClosed(AppController::applicationShouldTerminateAfterLastWindowClosed());
@@ -143,7 +163,7 @@ int run(int argc, char** argv) {
     SessionBus bus;
     DesktopApplication desktop(&bus, QLatin1StringView(bundleIdentifier));
     if (!desktop.takeName()) {
-        switch (desktop.handOver(uris(paths))) {
+        switch (showsPastedPath ? desktop.handOverPastedPath() : desktop.handOver(uris(paths))) {
         case DesktopApplication::HandOver::done:
             return 0;
         case DesktopApplication::HandOver::refused:
@@ -173,7 +193,8 @@ int run(int argc, char** argv) {
     onQuitSignals(QCoreApplication::quit);
     controller.showMainWindow();
     QMetaObject::invokeMethod(
-        &controller, [&] { controller.openFiles(paths); }, Qt::QueuedConnection);
+        &controller, [&] { showsPastedPath ? controller.showPastedPath() : controller.openFiles(paths); },
+        Qt::QueuedConnection);
     return QApplication::exec();
 }
 

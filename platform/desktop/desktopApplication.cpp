@@ -15,6 +15,8 @@ constexpr qsizetype mostFiles = 1000;    // in one request: each is read and sho
 constexpr qsizetype longestText = 12288; // of the longest path, every byte escaped
 
 constexpr const char* interfaceName = "org.freedesktop.Application";
+constexpr QLatin1StringView showPath("show-path");
+constexpr QLatin1StringView showPastedPath("show-pasted-path"); // also in the desktop entry
 
 /// The token by which the desktop lets a window come to the front although another program is in use.
 void keepActivationToken(const QVariantMap& platformData) {
@@ -73,15 +75,13 @@ void DesktopApplication::takeLoss(const QString& name) {
     }
 }
 
-DesktopApplication::HandOver DesktopApplication::handOver(const QStringList& uris) const {
+QDBusMessage DesktopApplication::request(const QString& method) const {
+    return QDBusMessage::createMethodCall(identifier_, objectPath(), QLatin1StringView(interfaceName),
+                                          method);
+}
+
+DesktopApplication::HandOver DesktopApplication::send(QDBusMessage request) const {
     constexpr int patience = 3000; // milliseconds
-    QDBusMessage request =
-        QDBusMessage::createMethodCall(identifier_, objectPath(), QLatin1StringView(interfaceName),
-                                       uris.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open"));
-    if (!uris.isEmpty()) {
-        // Only the last one stays shown anyhow.
-        request << uris.mid(std::max<qsizetype>(0, uris.size() - mostFiles));
-    }
     request << ownPlatformData();
     request.setAutoStartService(false);
     const QDBusMessage answer = bus_->connection().call(request, QDBus::Block, patience);
@@ -92,6 +92,22 @@ DesktopApplication::HandOver DesktopApplication::handOver(const QStringList& uri
     const bool isSilent = error == QDBusError::NoReply || error == QDBusError::Timeout ||
                           error == QDBusError::TimedOut || error == QDBusError::ServiceUnknown;
     return isSilent ? HandOver::noAnswer : HandOver::refused;
+}
+
+DesktopApplication::HandOver DesktopApplication::handOver(const QStringList& uris) const {
+    if (uris.isEmpty()) {
+        return send(request(QStringLiteral("Activate")));
+    }
+    QDBusMessage open = request(QStringLiteral("Open"));
+    // Only the last one stays shown anyhow.
+    open << uris.mid(std::max<qsizetype>(0, uris.size() - mostFiles));
+    return send(open);
+}
+
+DesktopApplication::HandOver DesktopApplication::handOverPastedPath() const {
+    QDBusMessage act = request(QStringLiteral("ActivateAction"));
+    act << QString(showPastedPath) << QVariantList();
+    return send(act);
 }
 
 void DesktopApplication::Activate(const QVariantMap& platform_data) {
@@ -121,10 +137,15 @@ void DesktopApplication::Open(const QStringList& uris, const QVariantMap& platfo
 
 void DesktopApplication::ActivateAction(const QString& action_name, const QVariantList& parameter,
                                         const QVariantMap& platform_data) {
+    if (action_name == showPastedPath && parameter.isEmpty()) {
+        keepActivationToken(platform_data);
+        emit pastedPathRequested();
+        return;
+    }
     const bool isText = parameter.size() == 1 && parameter.first().typeId() == QMetaType::QString;
-    if (action_name != QLatin1StringView("show-path") || !isText) {
+    if (action_name != showPath || !isText) {
         sendErrorReply(QDBusError::InvalidArgs,
-                       QStringLiteral("The only action is show-path, with one text"));
+                       QStringLiteral("The actions are show-path, with one text, and show-pasted-path"));
         return;
     }
     if (parameter.first().toString().size() > longestText) {

@@ -32,6 +32,8 @@ public:
     enum class HandOver : std::uint8_t { done, refused, noAnswer };
     /// Hands files (URIs) to the running program, or just brings it to the front.
     [[nodiscard]] HandOver handOver(const QStringList& uris) const;
+    /// Has the running program show the file whose path is on the clipboard.
+    [[nodiscard]] HandOver handOverPastedPath() const;
 
 signals:
     /// Another program has taken the name, since this one did not answer it.
@@ -39,6 +41,7 @@ signals:
     void activated();
     void openRequested(const QList<QByteArray>& paths);
     void textReceived(const QString& text);
+    void pastedPathRequested();
 
 public slots:
     // The methods of the interface. Malformed requests are answered with an error and have no effect.
@@ -48,6 +51,8 @@ public slots:
                                      const QVariantMap& platform_data);
 
 private:
+    [[nodiscard]] QDBusMessage request(const QString& method) const;
+    [[nodiscard]] HandOver send(QDBusMessage request) const;
     void takeLoss(const QString& name);
     void registerName(QDBusConnectionInterface::ServiceQueueOptions options);
     [[nodiscard]] QString objectPath() const;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/fileIcon.h"
 
+#include <QCoreApplication>
+#include <QFile>
 #include <QMimeDatabase>
 #include <QPainter>
 #include <QPainterPath>
@@ -46,9 +48,9 @@ void drawSheet(Drawing& drawing, Qt::PenStyle style = Qt::SolidLine) {
     drawing->setPen(Qt::NoPen);
 }
 
-void drawNote(Drawing& drawing, const QColor& colour) {
+void drawNote(Drawing& drawing) {
     drawing->setPen(Qt::NoPen);
-    drawing->setBrush(colour);
+    drawing->setBrush(QColor(ink));
     drawing->drawEllipse(QRectF(20, 40, 11, 9));
     drawing->drawEllipse(QRectF(36, 37, 11, 9));
     QPainterPath stems;
@@ -62,7 +64,7 @@ void drawNote(Drawing& drawing, const QColor& colour) {
 QImage drawMusicSheet(int size) {
     Drawing drawing(size);
     drawSheet(drawing);
-    drawNote(drawing, QColor(ink));
+    drawNote(drawing);
     return drawing.end();
 }
 
@@ -99,19 +101,6 @@ QImage drawFolder(int size) {
     drawing->setPen(QPen(QColor(0x2A, 0x62, 0x9C), 1));
     drawing->setBrush(QColor(0x6F, 0xA8, 0xDC));
     drawing->drawPath(folder.simplified());
-    return drawing.end();
-}
-
-/// The program's badge: the note on a round ground.
-QImage drawBadge(int size) {
-    Drawing drawing(size);
-    QLinearGradient ground(0, 0, 0, 64);
-    ground.setColorAt(0, QColor(0x2F, 0x80, 0xC8));
-    ground.setColorAt(1, QColor(0x1B, 0x4E, 0x8C));
-    drawing->setPen(Qt::NoPen);
-    drawing->setBrush(ground);
-    drawing->drawRoundedRect(QRectF(2, 2, 60, 60), 14, 14);
-    drawNote(drawing, Qt::white);
     return drawing.end();
 }
 
@@ -218,11 +207,21 @@ QImage drawnIcon(DrawnIcon icon) {
 }
 
 QIcon programIcon() {
-    QIcon drawn;
-    for (const int size : {16, 32, 64, 128, 256}) {
-        drawn.addPixmap(QPixmap::fromImage(drawBadge(size)));
+    const QString programs = QCoreApplication::applicationDirPath();
+    for (const QString& parent : {programs, programs + QStringLiteral("/..")}) {
+        QIcon icon;
+        for (const int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
+            const QString file =
+                parent + QStringLiteral("/share/icons/hicolor/%1x%1/apps/org.sonarin.Sonarin.png").arg(size);
+            if (QFile::exists(file)) {
+                icon.addFile(file, {size, size});
+            }
+        }
+        if (!icon.isNull()) {
+            return icon;
+        }
     }
-    return QIcon::fromTheme(QStringLiteral("org.sonarin.Sonarin"), drawn);
+    return {};
 }
 
 } // namespace sonarin

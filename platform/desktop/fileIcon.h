@@ -36,7 +36,7 @@ void lookUpIcon(const FileIcon& wanted, const IconTheme& theme);
 /// For any thread; asks no disk.
 [[nodiscard]] QImage drawnIcon(DrawnIcon icon);
 
-/// The program's own icon.
+/// The program's own icon: the pictures that were installed with the program, found from where it stands.
 [[nodiscard]] QIcon programIcon();
 
 } // namespace sonarin

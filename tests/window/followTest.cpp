@@ -359,10 +359,12 @@ TEST_F(Following, TheRunningProgramTakesOver) {
     Paths opened;
     QString text;
     int activations = 0;
+    int pastedPaths = 0;
     QObject::connect(&running, &DesktopApplication::openRequested,
                      [&](const Paths& more) { opened += more; });
     QObject::connect(&running, &DesktopApplication::textReceived, [&](const QString& more) { text = more; });
     QObject::connect(&running, &DesktopApplication::activated, [&] { ++activations; });
+    QObject::connect(&running, &DesktopApplication::pastedPathRequested, [&] { ++pastedPaths; });
 
     SessionBus otherBus;
     EXPECT_FALSE(DesktopApplication(&otherBus, QStringLiteral("org.sonarin.Test")).takeName());
@@ -382,6 +384,9 @@ TEST_F(Following, TheRunningProgramTakesOver) {
     EXPECT_EQ(activations, 1);
     EXPECT_TRUE(call("ActivateAction", {"show-path", QVariantList{"/x"}, nothing}));
     EXPECT_EQ(text, "/x");
+    EXPECT_TRUE(call("ActivateAction", {"show-pasted-path", QVariantList(), nothing}));
+    EXPECT_EQ(pastedPaths, 1);
+    EXPECT_FALSE(call("ActivateAction", {"show-pasted-path", QVariantList{"/x"}, nothing}));
     EXPECT_FALSE(call("Open", {"file:///a.mp3", nothing}));
     EXPECT_FALSE(call("Open", {QStringList{"http://a/b.mp3"}, nothing}));
     EXPECT_FALSE(call("Open", {QStringList(100000, "file:///a.mp3"), nothing}));

@@ -219,6 +219,10 @@ TEST_F(PanelWindow, TakesPathsFromOutside) {
     QApplication::clipboard()->setText(pathOf(plain) + '\n');
     controller->pastePath();
     EXPECT_EQ(controller->id3SongTitleField->text(), "plain");
+    controller->myWindow->hide();
+    QApplication::clipboard()->setText(pathOf(strange));
+    controller->showPastedPath();
+    EXPECT_TRUE(waitFor([&] { return controller->id3SongTitleField->text() == "strange"; }));
     const QString shown = controller->lastPath;
     controller->myWindow->hide();
     controller->openFileUserDataError(nullptr);
