@@ -63,7 +63,7 @@ int SpillFile::copyTo(OutputBuffer& out, Place place) const {
 
 void SpillFile::clear() {
     if (end_ > 0) {
-        (void)ftruncate(file_.get(), 0);
+        [[maybe_unused]] const int ignored = ftruncate(file_.get(), 0);
         end_ = 0;
     }
 }
