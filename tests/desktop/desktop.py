@@ -43,7 +43,7 @@ class Desktop:
         self.environment = {
             # Debian's own programs: an embedded Python looks for its library beside the first python3 in the path.
             "PATH": f"{PREFIX}/bin:/usr/bin:/bin:/usr/games", "HOME": str(self.home), "USER": "tester", "LC_ALL": "C.UTF-8",
-            "XDG_RUNTIME_DIR": str(self.scratch / "run"), "XDG_CURRENT_DESKTOP": "test",
+            "XDG_DATA_DIRS": f"{PREFIX}/share:/usr/share", "XDG_RUNTIME_DIR": str(self.scratch / "run"), "XDG_CURRENT_DESKTOP": "test",
             "GSETTINGS_BACKEND": "keyfile", "GSK_RENDERER": "cairo", "LIBGL_ALWAYS_SOFTWARE": "1",
             "QT_ACCESSIBILITY": "0", "GTK_USE_PORTAL": "0",
         }
