@@ -5,8 +5,8 @@
 
 namespace sonarin {
 
-/// The user's home folder (bytes): HOME where that is an absolute path, else what the user database says; empty
-/// when neither knows.
+/// The user's home folder (bytes): HOME where that is an absolute path, else what the user database says;
+/// empty when neither knows.
 [[nodiscard]] std::string userHome();
 
 } // namespace sonarin
