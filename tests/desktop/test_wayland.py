@@ -77,7 +77,6 @@ class Wayland(unittest.TestCase):
         except NoCompositor as reason:
             self.skipTest(f"NOT TESTED, sway does not start here: {reason}")
         self.addCleanup(self.desktop.close)
-        self.desktop.environment["XDG_DATA_DIRS"] = f"{PREFIX}/share:/usr/share"
         self.song = self.desktop.home / "song.mp3"
         shutil.copy(SAMPLES / "sample.mp3", self.song)
         self.desktop.spawn(PREFIX / "bin" / "sonarin", self.song)
@@ -130,16 +129,25 @@ class Wayland(unittest.TestCase):
                 return
         self.fail("the file was not taken")
 
-    def test_comes_to_the_front_with_a_launchers_token(self):
+    def launch(self, *words):
+        """Starts Sonarin as a launcher does, while another program is in use."""
         self.desktop.spawn("pcmanfm-qt", self.desktop.home)
         self.assertTrue(wait_until(lambda: (self.desktop.window("pcmanfm-qt") or {}).get("focused"), 20, 0.2))
         client = Client(*self.display())
         self.addCleanup(client.close)
-        other = song(self.desktop.home / "other.mp3")
-        start = self.desktop.spawn(PREFIX / "bin" / "sonarin", other,
+        start = self.desktop.spawn(PREFIX / "bin" / "sonarin", *words,
                                    environment={"XDG_ACTIVATION_TOKEN": client.activation_token()})
         self.assertEqual(start.wait(10), 0)
+
+    def test_comes_to_the_front_with_a_launchers_token(self):
+        self.launch(song(self.desktop.home / "other.mp3"))
         self.assertTrue(wait_until(lambda: self.desktop.window("org.sonarin.Sonarin")["focused"], 5, 0.1))
+
+    def test_shows_what_was_copied_in_another_program(self):
+        copied = song(self.desktop.home / "copied.mp3")
+        self.desktop.output("sh", "-c", 'wl-copy -- "$0" >/dev/null 2>&1', copied)
+        self.launch("--show-pasted-path")
+        self.assertTrue(self.desktop.wait_for_title("Sonarin - copied.mp3"))
 
     def display(self):
         return self.desktop.environment["XDG_RUNTIME_DIR"], self.desktop.environment["WAYLAND_DISPLAY"]
