@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/host/connectors.h"
 
+#include "platform/host/userHome.h"
 #include "tests/support/testFolder.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <pwd.h>
 #include <unistd.h>
 
 namespace sonarin {
@@ -124,6 +126,18 @@ TEST_F(Connectors, NameTheInstallationThatTheyBelongTo) {
         "QT_PLUGIN_PATH=/before; . '" + folders.config +
         "/plasma-workspace/env/sonarin.sh'; test \"$QT_PLUGIN_PATH\" = \"$SONARIN_PLUGINS:/before\"";
     EXPECT_EQ(std::system(command.c_str()), 0); // NOLINT
+}
+
+TEST(UserHome, IsKnownWithoutTheEnvironment) {
+    const std::string before = userHome();
+    const std::string known = getpwuid(getuid())->pw_dir;
+    for (const char* unusable : {"", "relative"}) {
+        setenv("HOME", unusable, 1);
+        EXPECT_EQ(userHome(), known);
+    }
+    setenv("HOME", "/chosen", 1);
+    EXPECT_EQ(userHome(), "/chosen");
+    setenv("HOME", before.c_str(), 1);
 }
 
 TEST_F(Connectors, SayWhatCannotBeDone) {
