@@ -23,7 +23,7 @@ constexpr const char* usage =
     "programs that are installed here and can be followed.\n"
     "  --all       every one of them\n"
     "  --remove    takes the connectors away again\n"
-    "  --help      shows this\n"
+    "  -h, --help  shows this\n"
     "  --version   shows the version\n";
 
 struct Call {

@@ -1,10 +1,19 @@
 # SPDX-License-Identifier: MIT
 # What CHANGELOG.md says, for whoever needs it: the newest version, and all releases in the forms of others.
-#   "## VERSION (YYYY-MM-DD)" begins a release; each of its lines "- TEXT" is one change.
+#   "## VERSION (YYYY-MM-DD)" begins a release; each of its lines "- TEXT" is one change, which Debian wants to be short, and
+#   in which CMake does not bear every character.
 set(changelogFile ${CMAKE_CURRENT_LIST_DIR}/../CHANGELOG.md)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${changelogFile})
 file(STRINGS ${changelogFile} changelogLines REGEX "^(## |- )" ENCODING UTF-8)
 set(releaseHeading "^## ([0-9]+\\.[0-9]+\\.[0-9]+) \\(([0-9]+-[0-9]+-[0-9]+)\\)$")
+
+file(READ ${changelogFile} changelogText)
+string(REGEX REPLACE "^[^#]*# Changes\n[^#]*" "\n" changelogText "${changelogText}")
+string(REGEX REPLACE "\n(## [0-9][^\n]*|- [^\n;\\[]*)" "" rest "${changelogText}")
+string(STRIP "${rest}" rest)
+if(rest)
+    message(FATAL_ERROR "CHANGELOG.md has a line that is neither a release nor a change, or one with ; \\ or [: ${rest}")
+endif()
 
 list(GET changelogLines 0 newestHeading)
 if(NOT newestHeading MATCHES "${releaseHeading}")
@@ -41,7 +50,10 @@ function(make_debian_changelog result maintainer)
         if(line MATCHES "${releaseHeading}")
             string(APPEND text "${signature}sonarin (${CMAKE_MATCH_1}) unstable; urgency=medium\n\n")
             execute_process(COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C date -u -R -d ${CMAKE_MATCH_2}
-                            OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+                            OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+            if(NOT date)
+                message(FATAL_ERROR "CHANGELOG.md names a day that there is not: ${CMAKE_MATCH_2}")
+            endif()
             set(signature "\n -- ${maintainer}  ${date}\n\n")
         else()
             string(SUBSTRING "${line}" 2 -1 change)

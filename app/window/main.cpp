@@ -32,7 +32,7 @@ constexpr const char* usage =
     "Opens the window and shows the files in it, the last one stays shown. A running Sonarin\n"
     "takes them over.\n"
     "  --show-pasted-path  shows the file whose path is on the clipboard\n"
-    "  --help              shows this\n"
+    "  -h, --help          shows this\n"
     "  --version           shows the version\n";
 constexpr std::string_view pastedPathOption = "--show-pasted-path";
 
@@ -40,6 +40,15 @@ constexpr std::string_view pastedPathOption = "--show-pasted-path";
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+/// The toolkit has a paragraph for a display that cannot be reached, and ends with a signal.
+void sayThatTheDisplayFails(QtMsgType type, const QMessageLogContext& /*place*/, const QString& /*text*/) {
+    if (type == QtFatalMsg) {
+        (void)std::fputs(
+            "sonarin: the display cannot be reached; sonarin-info shows the same on a terminal\n", stderr);
+        std::_Exit(1);
+    }
 }
 
 bool hasOption(int argc, char** argv, std::string_view option) {
@@ -140,10 +149,11 @@ int run(int argc, char** argv) {
         (void)std::fputs("sonarin: there is no display; sonarin-info shows the same on a terminal\n", stderr);
         return 1;
     }
-    if (qEnvironmentVariableIsEmpty("HOME")) { // where the toolkit and what is started from here look
-        qputenv("HOME", QByteArray::fromStdString(userHome()));
-    }
+    // The toolkit, and what is started from here, are to look where we do.
+    qputenv("HOME", QByteArray::fromStdString(userHome().empty() ? "/" : userHome()));
+    qInstallMessageHandler(sayThatTheDisplayFails);
     QApplication application(argc, argv); // takes the toolkit's own options out
+    qInstallMessageHandler(nullptr);
     const std::string problem = findProblem(argc, argv);
     if (!problem.empty()) {
         (void)std::fputs(("sonarin: " + problem + '\n' + usage).c_str(), stderr);

@@ -1,6 +1,10 @@
 # SPDX-License-Identifier: MIT
 # Completion of sonarin-info for bash.
 _sonarin_info() {
+    local i haveOptionsEnded=
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        [[ ${COMP_WORDS[i]} == -- ]] && haveOptionsEnded=yes
+    done
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     case $before in
     --cover | --files0-from) ;;
@@ -9,7 +13,7 @@ _sonarin_info() {
         return
         ;;
     *)
-        if [[ $word == -* ]]; then
+        if [[ $word == -* && -z $haveOptionsEnded ]]; then
             mapfile -t COMPREPLY < <(compgen -W \
                 '--json --recursive --files0-from --jobs --cover --force --help --version' -- "$word")
             return

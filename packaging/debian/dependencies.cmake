@@ -5,6 +5,9 @@ set(scratch ${CPACK_SONARIN_BUILD}/packaging/debian/scratch)
 file(WRITE ${scratch}/debian/control "Source: sonarin\n\nPackage: sonarin\nArchitecture: any\n")
 set(programs sonarin sonarin-info sonarin-connect)
 list(TRANSFORM programs PREPEND ${CPACK_SONARIN_BUILD}/)
+if(NOT EXISTS ${CPACK_SONARIN_BUILD}/sonarin)
+    list(REMOVE_ITEM programs ${CPACK_SONARIN_BUILD}/sonarin) # built without the window
+endif()
 execute_process(COMMAND dpkg-shlibdeps -O --warnings=0 -dDepends ${programs} -dSuggests ${CPACK_SONARIN_DOLPHIN}
                 WORKING_DIRECTORY ${scratch} OUTPUT_VARIABLE computed COMMAND_ERROR_IS_FATAL ANY)
 if(NOT computed MATCHES "shlibs:Depends=([^\n]+)")

@@ -5,7 +5,7 @@ set(docFolder ${CMAKE_INSTALL_DATADIR}/doc/sonarin)
 
 # Only Debian wants these; CPack asks for them by the component's name.
 make_debian_changelog(changes "${maintainer}")
-file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/debian/changelog CONTENT "${changes}" @ONLY)
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/debian/changelog "${changes}")
 file(READ ${CMAKE_SOURCE_DIR}/LICENSE licence)
 string(REGEX REPLACE "^MIT License\n\n(Copyright [^\n]*)\n\n" "" licence "${licence}")
 set(copyrightLine "${CMAKE_MATCH_1}")

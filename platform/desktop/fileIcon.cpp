@@ -2,7 +2,7 @@
 #include "platform/desktop/fileIcon.h"
 
 #include <QCoreApplication>
-#include <QFile>
+#include <QDir>
 #include <QMimeDatabase>
 #include <QPainter>
 #include <QPainterPath>
@@ -208,20 +208,17 @@ QImage drawnIcon(DrawnIcon icon) {
 
 QIcon programIcon() {
     const QString programs = QCoreApplication::applicationDirPath();
+    QIcon icon;
     for (const QString& parent : {programs, programs + QStringLiteral("/..")}) {
-        QIcon icon;
-        for (const int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
-            const QString file =
-                parent + QStringLiteral("/share/icons/hicolor/%1x%1/apps/org.sonarin.Sonarin.png").arg(size);
-            if (QFile::exists(file)) {
-                icon.addFile(file, {size, size});
-            }
+        const QDir sizes(parent + QStringLiteral("/share/icons/hicolor"));
+        for (const QString& size : sizes.entryList({QStringLiteral("*x*")}, QDir::Dirs)) {
+            icon.addFile(sizes.filePath(size + QStringLiteral("/apps/org.sonarin.Sonarin.png")));
         }
         if (!icon.isNull()) {
-            return icon;
+            break;
         }
     }
-    return {};
+    return icon;
 }
 
 } // namespace sonarin
