@@ -9,7 +9,7 @@
 namespace sonarin {
 
 std::string userHome() {
-    // Asked while the program has one thread.
+    // Asked in the thread that alone changes the environment.
     const char* home = std::getenv("HOME"); // NOLINT(concurrency-mt-unsafe)
     if (home != nullptr && std::string_view(home).starts_with('/')) {
         return home;

@@ -12,6 +12,7 @@ import subprocess
 import tempfile
 import threading
 import time
+import unittest
 import urllib.parse
 
 PREFIX = pathlib.Path(os.environ["SONARIN_PREFIX"])  # where Sonarin is installed
@@ -224,6 +225,20 @@ class Desktop:
         if not wait_until(lambda: self.shown == name, seconds, 0.005):
             return None
         return max(0.0, self._titles[-1][0] - since)
+
+
+class DesktopTest(unittest.TestCase):
+    """A test with a desktop of its own, skipped where one of the programs is missing."""
+
+    needs = ("Xvfb", "openbox", "xdotool", "xclip", "xprop")
+
+    def setUp(self):
+        gone = missing(*self.needs)
+        if gone:
+            self.skipTest("NOT TESTED, missing: " + " ".join(gone))
+        self.desktop = Desktop()
+        self.addCleanup(self.desktop.close)
+        self.music = self.desktop.home / "Music"
 
 
 def song(path, title=None):

@@ -6,19 +6,16 @@ import re
 import shutil
 import unittest
 
-from desktop import PREFIX, Desktop, missing, wait_until
+from desktop import PREFIX, DesktopTest, wait_until
 
 ENTRY = PREFIX / "share/applications/org.sonarin.Sonarin.desktop"
 
 
-class Installed(unittest.TestCase):
+class Installed(DesktopTest):
+    needs = ("gio", "gapplication", *DesktopTest.needs)
+
     def setUp(self):
-        gone = missing("gio", "gapplication", "Xvfb", "openbox", "xdotool", "xclip", "xprop")
-        if gone:
-            self.skipTest("NOT TESTED, missing: " + " ".join(gone))
-        self.desktop = Desktop()
-        self.addCleanup(self.desktop.close)
-        self.music = self.desktop.home / "Music"
+        super().setUp()
         shutil.copytree(PREFIX.parent / "samples", self.music)
 
     def assert_shown(self, name):

@@ -4,17 +4,14 @@
 import time
 import unittest
 
-from desktop import PREFIX, Desktop, missing, song
+from desktop import PREFIX, DesktopTest, song
 
 
-class WithoutConnector(unittest.TestCase):
+class WithoutConnector(DesktopTest):
+    needs = ("pcmanfm-qt", "gio", *DesktopTest.needs)
+
     def setUp(self):
-        gone = missing("pcmanfm-qt", "gio", "Xvfb", "openbox", "xdotool", "xclip", "xprop")
-        if gone:
-            self.skipTest("NOT TESTED, missing: " + " ".join(gone))
-        self.desktop = Desktop()
-        self.addCleanup(self.desktop.close)
-        self.music = self.desktop.home / "Music"
+        super().setUp()
         self.music.mkdir()
         song(self.music / "a #1.mp3")
 
