@@ -10,7 +10,7 @@ import subprocess
 import time
 import unittest
 
-from desktop import PREFIX, Desktop, missing, wait_until
+from desktop import DesktopTest, missing, wait_until
 
 SAMPLES = pathlib.Path(os.environ["SAMPLES"])
 
@@ -46,16 +46,12 @@ class Reader:
         return self.the("text", name)["text"]
 
 
-class ScreenReader(unittest.TestCase):
+class ScreenReader(DesktopTest):
     def setUp(self):
-        gone = missing("Xvfb", "openbox", "xdotool", "xclip", "xprop")
-        if gone or not pathlib.Path("/usr/lib/x86_64-linux-gnu/girepository-1.0/Atspi-2.0.typelib").exists():
-            self.skipTest("NOT TESTED, missing: " + " ".join(gone or ["gir1.2-atspi-2.0"]))
-        self.desktop = Desktop()
-        self.addCleanup(self.desktop.close)
-        self.desktop.environment.update(QT_ACCESSIBILITY="1", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
-                                        XDG_DATA_DIRS=f"{PREFIX}/share:/usr/share")
-        self.music = self.desktop.home / "Music"
+        if not pathlib.Path("/usr/lib/x86_64-linux-gnu/girepository-1.0/Atspi-2.0.typelib").exists():
+            self.skipTest("NOT TESTED, missing: gir1.2-atspi-2.0")
+        super().setUp()
+        self.desktop.environment.update(QT_ACCESSIBILITY="1", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
         self.music.mkdir()
         self.song = self.music / "song.mp3"
         shutil.copy(SAMPLES / "sample.mp3", self.song)
