@@ -8,6 +8,7 @@
 #include "text/userLocale.h"
 
 #include <gtest/gtest.h>
+#include <unicode/locid.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -45,6 +46,8 @@ TEST(Display, FormatsSizesAtTheirUnitBoundaries) {
     }
     startUpIn("fr_FR.UTF-8");
     EXPECT_EQ(plain(SvxMakeFloatingFractionString(1024)), "1\u202F024,0");
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale::setDefault(icu::Locale::getRoot(), status); // which a program that starts with that has
     startUpIn("xx_YY.UTF-8");
     EXPECT_EQ(plain(SvxMakeFloatingFractionString(1024)), "1,024.0");
     startUpIn("C");
