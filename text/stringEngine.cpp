@@ -184,6 +184,34 @@ SvxStringRef makeFormatted(std::string_view format, std::initializer_list<SvxFor
     return text;
 }
 
+/// Calls `onPart` for the parts that SvxStringJoinParts joins.
+template <class Units, class OnPart>
+void forEachPart(Units units, OnPart onPart) {
+    constexpr char16_t byteOrderMark = 0xFEFF;
+    for (std::size_t start = 0; start < units.size();) {
+        const std::size_t end = std::min(units.find(typename Units::value_type{}, start), units.size());
+        const std::size_t mark = unitOf(units[start]) == byteOrderMark ? 1 : 0;
+        if (start + mark < end) {
+            onPart(units.substr(start + mark, end - start - mark));
+        }
+        start = end + 1;
+    }
+}
+
+template <class Unit, class Units>
+SvxStringRef joined(Units units, std::string_view separator, std::size_t count) {
+    Unit* start = nullptr;
+    SvxStringRef text = SvxString::make(count, &start);
+    if (text) {
+        Unit* out = start;
+        forEachPart(units, [&](auto part) {
+            out = out != start ? copyUnits(separator, out) : out;
+            out = copyUnits(part, out);
+        });
+    }
+    return text;
+}
+
 constexpr bool standsForItselfInURL(CodePoint character) {
     return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
            (character >= '0' && character <= '9') ||
@@ -235,6 +263,10 @@ SvxStringRef SvxStringFromUTF8(std::string_view bytes) noexcept {
     return text ? text : SvxStringFromSource(SvxEncoding::macRoman, source);
 }
 
+SvxStringRef SvxStringFromLatin1(std::string_view bytes) noexcept {
+    return makeText(bytes);
+}
+
 SvxStringRef SvxStringFromUTF16(std::u16string_view units) noexcept {
     return makeText(units);
 }
@@ -246,6 +278,28 @@ SvxStringRef SvxStringCreateWithSubstring(const SvxStringRef& text, SvxIndex sta
     }
     return text->visit([&](auto units) {
         return makeText(units.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length)));
+    });
+}
+
+SvxStringRef SvxStringJoinParts(const SvxStringRef& text, std::string_view separator) noexcept {
+    if (!text) {
+        return nullptr;
+    }
+    return text->visit([&](auto units) -> SvxStringRef {
+        std::size_t parts = 0;
+        std::size_t count = 0;
+        bool isWide = false;
+        forEachPart(units, [&](auto part) {
+            count += (parts++ != 0 ? separator.size() : 0) + part.size();
+            isWide = isWide ||
+                     std::any_of(part.begin(), part.end(), [](auto unit) { return unitOf(unit) > 0xFF; });
+        });
+        if (parts == 1 && count == units.size()) {
+            return text;
+        }
+        return count == 0 ? nullptr
+               : isWide   ? joined<char16_t>(units, separator, count)
+                          : joined<char>(units, separator, count);
     });
 }
 
@@ -288,6 +342,16 @@ SvxIndex SvxStringGetLength(const SvxStringRef& text) noexcept {
 
 char16_t SvxStringGetUniChar(const SvxStringRef& text, SvxIndex index) noexcept {
     return text && index >= 0 && index < text->length() ? text->unitAt(index) : u'\0';
+}
+
+SvxIndex SvxStringFindUnit(const SvxStringRef& text, char unit, SvxIndex start, SvxIndex end) noexcept {
+    return text->visit([&](auto units) {
+        using Unit = typename decltype(units)::value_type;
+        const auto range =
+            units.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
+        const std::size_t found = range.find(static_cast<Unit>(unit));
+        return found == range.npos ? end : start + static_cast<SvxIndex>(found);
+    });
 }
 
 std::int32_t SvxStringGetIntValue(const SvxStringRef& text) noexcept {

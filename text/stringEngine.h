@@ -34,6 +34,8 @@ std::int32_t SvxStringRelease(SvxStringRef* text) noexcept;
 [[nodiscard]] SvxStringRef SvxStringFromCString(std::string_view bytes) noexcept;
 /// Decodes `bytes` as UTF-8, or as Mac OS Roman when they are not valid UTF-8. A byte-order mark stays.
 [[nodiscard]] SvxStringRef SvxStringFromUTF8(std::string_view bytes) noexcept;
+/// Decodes `bytes` as ISO-8859-1, in which every byte is a character, zero bytes too.
+[[nodiscard]] SvxStringRef SvxStringFromLatin1(std::string_view bytes) noexcept;
 /// Takes the code units as they are, in native byte order; a byte-order mark becomes part of the text.
 [[nodiscard]] SvxStringRef SvxStringFromUTF16(std::u16string_view units) noexcept;
 /// The `length` units from `start` on; absent when that range does not lie within a present text.
@@ -50,6 +52,10 @@ using SvxFormatValue = std::variant<SvxStringRef, std::int64_t, std::string_view
 [[nodiscard]] SvxStringRef SvxStringCreateWithFormat(std::string_view format,
                                                      std::initializer_list<SvxFormatValue> values) noexcept;
 
+/// The parts between the text's U+0000, joined by `separator` (ASCII): empty ones are left out, and a
+/// byte-order mark at a part's start. Absent when nothing is left.
+[[nodiscard]] SvxStringRef SvxStringJoinParts(const SvxStringRef& text, std::string_view separator) noexcept;
+
 /// Replaces `*text` by itself, one blank and `addition`. When nobody else holds the old text, its storage
 /// grows in place, so that joining many pieces takes time linear in their sum. Nothing changes when memory
 /// runs out.
@@ -61,6 +67,9 @@ void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition)
 [[nodiscard]] SvxIndex SvxStringGetLength(const SvxStringRef& text) noexcept;
 /// The code unit at `index`; 0 when absent or when `index` lies outside the text.
 [[nodiscard]] char16_t SvxStringGetUniChar(const SvxStringRef& text, SvxIndex index) noexcept;
+/// The index of the first `unit` from `start` up to `end`, which both lie within the text; else `end`.
+[[nodiscard]] SvxIndex SvxStringFindUnit(const SvxStringRef& text, char unit, SvxIndex start,
+                                         SvxIndex end) noexcept;
 /// The leading decimal integer: white space (tab to carriage return, blank), one optional sign, ASCII digits.
 /// 0 without digits; a number beyond 32 bits gives the nearest limit.
 [[nodiscard]] std::int32_t SvxStringGetIntValue(const SvxStringRef& text) noexcept;

@@ -55,6 +55,20 @@ struct Ascii {
     }
 };
 
+struct Latin1 {
+    static std::string_view wholeCharacters(std::string_view piece) { return piece; }
+
+    static bool measure(std::string_view piece, Extent& extent) {
+        extent.units += piece.size();
+        return true;
+    }
+
+    template <class Unit>
+    static Unit* write(std::string_view piece, Unit* out) {
+        return copyUnits(piece, out);
+    }
+};
+
 struct MacRoman {
     static std::string_view wholeCharacters(std::string_view piece) { return piece; }
 
@@ -123,7 +137,9 @@ private:
     }
 };
 
-struct Utf16LittleEndian {
+/// `highByte` is the place of a unit's more significant byte.
+template <std::size_t highByte>
+struct Utf16 {
     static std::string_view wholeCharacters(std::string_view piece) {
         return piece.substr(0, piece.size() & ~std::size_t{1});
     }
@@ -131,7 +147,7 @@ struct Utf16LittleEndian {
     static bool measure(std::string_view piece, Extent& extent) {
         extent.units += piece.size() / 2;
         unsigned highBytes = 0;
-        for (std::size_t i = 1; i < piece.size(); i += 2) {
+        for (std::size_t i = highByte; i < piece.size(); i += 2) {
             highBytes |= unitOf(piece[i]);
         }
         extent.wide = extent.wide || highBytes != 0;
@@ -141,11 +157,13 @@ struct Utf16LittleEndian {
     template <class Unit>
     static Unit* write(std::string_view piece, Unit* out) {
         for (std::size_t i = 0; i + 1 < piece.size(); i += 2) {
-            *out++ = static_cast<Unit>(unitOf(piece[i]) | (unitOf(piece[i + 1]) << 8U));
+            *out++ = static_cast<Unit>(unitOf(piece[i + 1 - highByte]) | (unitOf(piece[i + highByte]) << 8U));
         }
         return out;
     }
 };
+using Utf16LittleEndian = Utf16<1>;
+using Utf16BigEndian = Utf16<0>;
 
 /// Calls `onPiece` for the whole characters of one piece after the other; false as soon as it answers false
 /// or a piece cannot be had.
@@ -214,12 +232,16 @@ SvxStringRef SvxStringFromSource(SvxEncoding encoding, SvxByteSource& source) no
     switch (encoding) {
     case SvxEncoding::ascii:
         return decode<Ascii>(source, size);
+    case SvxEncoding::latin1:
+        return decode<Latin1>(source, size);
     case SvxEncoding::macRoman:
         return decode<MacRoman>(source, size);
     case SvxEncoding::utf8:
         return decode<Utf8>(source, size);
     case SvxEncoding::utf16LittleEndian:
         return decode<Utf16LittleEndian>(source, size & ~std::uint64_t{1});
+    case SvxEncoding::utf16BigEndian:
+        return decode<Utf16BigEndian>(source, size & ~std::uint64_t{1});
     }
     return nullptr;
 }

@@ -11,9 +11,11 @@ namespace sonarin {
 
 enum class SvxEncoding {
     ascii,             ///< a byte above 0x7F is invalid
+    latin1,            ///< ISO-8859-1; never invalid
     macRoman,          ///< the published Mac OS Roman set (0xDB is the euro sign); never invalid
     utf8,              ///< as the Unicode standard defines it: no surrogates, no overlong forms
     utf16LittleEndian, ///< code units taken as they are; an odd byte at the end is ignored
+    utf16BigEndian,    ///< the same
 };
 
 /// A run of bytes that is delivered in pieces, any of them more than once.
