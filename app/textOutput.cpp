@@ -125,9 +125,10 @@ void appendText(OutputBuffer& out, const SvxStringRef& path, const HostFileAttri
     list.field("Encoder", facts.id3EncoderAppField);
     list.field("Tag", facts.id3TagVersionField);
     if (record->mp3CoverArtPlace.size != 0) {
-        list.field("Cover",
-                   SvxStringCreateWithFormat("%@, %li bytes", {fourCharacterText(record->mp3CoverArtType),
-                                                               record->mp3CoverArtPlace.size}));
+        const bool isKnown = record->mp3CoverArtType != 0;
+        list.field("Cover", SvxStringCreateWithFormat(
+                                isKnown ? "%@, %li bytes" : "%@%li bytes",
+                                {fourCharacterText(record->mp3CoverArtType), record->mp3CoverArtPlace.size}));
     }
     list.field("Lyrics", record->mp3LyricsString);
 }

@@ -17,17 +17,19 @@ enum Option : int {
     optionForce,
     optionNameList,
     optionRecursive,
+    optionByStandard,
     optionJobs,
     optionHelp,
     optionVersion
 };
 
-constexpr std::array<option, 9> options = {{
+constexpr std::array<option, 10> options = {{
     {"json", no_argument, nullptr, optionJson},
     {"cover", required_argument, nullptr, optionCover},
     {"force", no_argument, nullptr, optionForce},
     {"files0-from", required_argument, nullptr, optionNameList},
     {"recursive", no_argument, nullptr, optionRecursive},
+    {"by-standard", no_argument, nullptr, optionByStandard},
     {"jobs", required_argument, nullptr, optionJobs},
     {"help", no_argument, nullptr, optionHelp},
     {"version", no_argument, nullptr, optionVersion},
@@ -98,6 +100,9 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
         case optionRecursive:
             call.recursive = true;
             break;
+        case optionByStandard:
+            call.byStandard = true;
+            break;
         case optionJobs:
             call.jobs = jobsFrom(optarg);
             if (call.jobs == 0) {
@@ -129,10 +134,14 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::string* 
     return problem->empty() ? std::optional(std::move(call)) : std::nullopt;
 }
 
+ReadOptions readOptions(const CommandLine& call, Pictures pictures) noexcept {
+    return {pictures, nullptr, call.byStandard ? TagReading::byStandard : TagReading::usual};
+}
+
 const char* usageText() noexcept {
-    return "Usage: sonarin-info [--json] [--recursive] [--jobs N] FILE...\n"
-           "       sonarin-info [--json] [--recursive] [--jobs N] --files0-from LIST\n"
-           "       sonarin-info --cover OUT [--force] FILE\n"
+    return "Usage: sonarin-info [--json] [--recursive] [--by-standard] [--jobs N] FILE...\n"
+           "       sonarin-info [--json] [--recursive] [--by-standard] [--jobs N] --files0-from LIST\n"
+           "       sonarin-info --cover OUT [--force] [--by-standard] FILE\n"
            "\n"
            "Shows the technical facts and tags of audio files.\n"
            "\n"
@@ -142,6 +151,10 @@ const char* usageText() noexcept {
            "      --files0-from LIST\n"
            "                   take the names in the file LIST (\"-\" is standard input), each\n"
            "                   ended by a zero byte, as find -print0 writes them\n"
+           "      --by-standard\n"
+           "                   read tags as the ID3 documents say, and MPEG durations by the\n"
+           "                   encoder's header; without it texts are recognised by their bytes,\n"
+           "                   as the window does\n"
            "      --jobs N     read N files at once (few: one; many: one per processor core)\n"
            "      --cover OUT  write the file's cover picture to OUT (\"-\" is standard output)\n"
            "      --force      let --cover replace an existing file\n"

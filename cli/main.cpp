@@ -20,7 +20,8 @@ namespace sonarin {
 namespace {
 
 int writeCoverOf(const CommandLine& call) {
-    const ShownFile file = readShownFile(feMakePathText(call.files.front()), {Pictures::load});
+    const ShownFile file =
+        readShownFile(feMakePathText(call.files.front()), readOptions(call, Pictures::load));
     if (!file.isRead()) {
         complain(complaintAbout(file.path, failureCause(file.path, file.type)));
     }

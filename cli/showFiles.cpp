@@ -128,7 +128,7 @@ private:
         if (!name.problem.empty()) {
             return complaintAbout(feMakePathText(name.path), name.problem);
         }
-        const ShownFile file = readShownFile(feMakePathText(name.path), {Pictures::find});
+        const ShownFile file = readShownFile(feMakePathText(name.path), readOptions(call_, Pictures::find));
         if (isJson()) {
             appendJson(out, file);
         } else {

@@ -43,9 +43,13 @@ struct audioTags {
     SvxStringRef mp3Genre2String; ///< the genre as text
     SvxStringRef mp3LyricsString;
     SvxStringRef mp3EncoderAppString;
-    ByteBlock mp3CoverArt;      ///< the bytes of one image file; none where Pictures::find was asked for
-    FilePlace mp3CoverArtPlace; ///< where those bytes stand in the audio file; of size 0 without a picture
-    std::uint32_t mp3CoverArtType = 0; ///< "JPEG", "PNGf" or "BMPf" as a four-character code; 0 for none
+    ByteBlock mp3CoverArt; ///< the bytes of one image file; none where Pictures::find was asked for
+    /// Where those bytes stand in the audio file, or 0 and their size where they stand there in another form
+    /// (compressed, unsynchronised); of size 0 without a picture.
+    FilePlace mp3CoverArtPlace;
+    /// "JPEG", "PNGf" or "BMPf" as a four-character code, by the standard "GIFf" and "TIFF" too; 0 for none
+    /// of these.
+    std::uint32_t mp3CoverArtType = 0;
 };
 
 enum AudioFileType : std::int32_t { // NOLINT(*-enum-size): codes are passed as 32-bit numbers

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace sonarin {
 
@@ -20,6 +21,14 @@ public:
         block.bytes_.reset(new (std::nothrow) std::uint8_t[size]);
         block.size_ = block.bytes_ ? size : 0;
         return block;
+    }
+
+    /// Leaves out the bytes from `size` on.
+    void truncate(std::size_t size) noexcept { size_ = size; }
+    /// Gives the bytes away.
+    [[nodiscard]] std::unique_ptr<std::uint8_t[]> release() noexcept { // NOLINT(*-avoid-c-arrays): as below
+        size_ = 0;
+        return std::move(bytes_);
     }
 
     explicit operator bool() const noexcept { return size_ != 0; }

@@ -11,7 +11,16 @@ bool ChunkWalk::readForm() noexcept {
            rcReadUInt32FromCache(cache_, 8, rcByteOrderBig, &formType_) == fileNoErr;
 }
 
+bool ChunkWalk::standsBeforePadding() const noexcept {
+    std::uint8_t byte = 1;
+    return padding_ == ChunkPadding::byStandard && isBehindOddSize_ &&
+           rcReadFromCache(cache_, position_, 1, &byte) == fileNoErr && byte == 0;
+}
+
 bool ChunkWalk::next(Chunk* chunk) noexcept {
+    if (standsBeforePadding()) {
+        ++position_;
+    }
     if (cache_->eof <= chunkHeaderSize || position_ >= cache_->eof - chunkHeaderSize) {
         return false;
     }
@@ -24,6 +33,7 @@ bool ChunkWalk::next(Chunk* chunk) noexcept {
     chunk->size = sizeOrder_ == rcByteOrderBig ? bigEndian32(header, 4) : littleEndian32(header, 4);
     chunk->position = position_;
     position_ += chunkHeaderSize + std::uint64_t{chunk->size};
+    isBehindOddSize_ = chunk->size % 2 != 0;
     if (chunk->id == 0 && chunk->size == 0) { // a hole of a sparse file is nothing but such chunks
         const std::uint64_t hole = rcPastHole(cache_, position_) - position_;
         position_ += hole - hole % chunkHeaderSize;

@@ -16,13 +16,18 @@ struct Chunk {
     std::uint64_t position = 0; ///< of the header
 };
 
-/// One pass over the chunks. No pad byte is looked for between them: behind a chunk of odd size that has one,
-/// the walk is out of step.
+enum class ChunkPadding : std::uint8_t {
+    none,      ///< none is looked for: behind a chunk of odd size that has one, the walk is out of step
+    byStandard ///< behind a chunk of odd size a zero byte is passed over
+};
+
+/// One pass over the chunks.
 class ChunkWalk {
 public:
     /// Sizes are of that byte order (EA IFF 85 big, RIFF little); identifiers read as big-endian codes in
     /// both.
-    ChunkWalk(rcCacheRec* cache, rcByteOrder sizeOrder) noexcept : cache_(cache), sizeOrder_(sizeOrder) {}
+    ChunkWalk(rcCacheRec* cache, rcByteOrder sizeOrder, ChunkPadding padding = ChunkPadding::none) noexcept
+        : cache_(cache), sizeOrder_(sizeOrder), padding_(padding) {}
 
     /// Reads the form's identifier, size and type at the file's start. False when they cannot be read.
     [[nodiscard]] bool readForm() noexcept;
@@ -35,8 +40,12 @@ public:
     [[nodiscard]] bool hasFailed() const noexcept { return hasFailed_; }
 
 private:
+    [[nodiscard]] bool standsBeforePadding() const noexcept;
+
     rcCacheRec* cache_;
     rcByteOrder sizeOrder_;
+    ChunkPadding padding_;
+    bool isBehindOddSize_ = false;
     std::uint32_t formId_ = 0;
     std::uint32_t formSize_ = 0;
     std::uint32_t formType_ = 0;

@@ -3,6 +3,7 @@
 
 #include "engine/chunkWalk.h"
 #include "engine/fileEngine.h"
+#include "engine/id3standard.h"
 #include "engine/mp3tags.h"
 
 #include <algorithm>
@@ -90,15 +91,15 @@ miAudioInfo infoOf(const CommonChunk& common, const ChunkWalk& form) {
 /// chunk's, so a million small chunks could each ask for the rest of the file.
 class TagChunks {
 public:
-    TagChunks(audioTags* record, rcCacheRec* cache, Pictures pictures)
-        : record_(record), cache_(cache), pictures_(pictures), mostWork_(workPerByte * cache->eof + slack) {}
+    TagChunks(audioTags* record, rcCacheRec* cache, const ReadOptions& options)
+        : record_(record), cache_(cache), options_(options), mostWork_(workPerByte * cache->eof + slack) {}
 
     void take(const Chunk& chunk) {
         if (record_ == nullptr || cache_->work > mostWork_) {
             return;
         }
         std::uint64_t position = chunk.position + chunkHeaderSize;
-        mp3ReadV2Tags(record_, &position, cache_, pictures_);
+        mp3ReadV2Tags(record_, &position, cache_, options_);
     }
 
 private:
@@ -109,7 +110,7 @@ private:
 
     audioTags* record_;
     rcCacheRec* cache_;
-    Pictures pictures_;
+    const ReadOptions& options_;
     std::uint64_t mostWork_;
 };
 
@@ -126,10 +127,14 @@ bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* recor
         (walk.formType() != fourCC("AIFF") && walk.formType() != fourCC("AIFC"))) {
         return false;
     }
-    TagChunks tags(record, file.cache(), options.pictures);
+    const bool isUsual = options.tags == TagReading::usual;
+    if (!isUsual && record != nullptr) {
+        id3ReadTagChunk(record, file.cache(), rcByteOrderBig, options.pictures);
+    }
+    TagChunks tags(record, file.cache(), options);
     bool commFound = false;
     for (Chunk chunk; walk.next(&chunk);) {
-        if (chunk.id == fourCC("ID3 ")) {
+        if (chunk.id == fourCC("ID3 ") && isUsual) {
             tags.take(chunk);
         } else if (chunk.id == fourCC("COMM")) {
             CommonChunk common;

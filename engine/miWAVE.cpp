@@ -3,6 +3,7 @@
 
 #include "engine/chunkWalk.h"
 #include "engine/fileEngine.h"
+#include "engine/id3standard.h"
 
 #include <array>
 
@@ -67,20 +68,17 @@ void storeCompressed(const WaveFormat& format, std::uint32_t samples, miAudioInf
     info->duration = static_cast<std::uint16_t>(divide(samples, trueRate));
 }
 
-} // namespace
+bool readsAsWave(ChunkWalk* walk) {
+    return walk->readForm() && walk->formId() == fourCC("RIFF") && walk->formType() == fourCC("WAVE");
+}
 
-bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info, const ReadOptions& options) noexcept {
-    *info = {};
-    CachedFile file(path, options.progress);
-    ChunkWalk walk(file.cache(), rcByteOrderLittle);
-    if (!file || !walk.readForm() || walk.formId() != fourCC("RIFF") || walk.formType() != fourCC("WAVE")) {
-        return false;
-    }
+/// Fills what is known about the sound; false when the format was not found.
+bool readInfo(rcCacheRec* cache, ChunkWalk walk, miAudioInfo* info) {
     WaveFormat format;
     bool compressedFormatSeen = false;
     for (Chunk chunk; walk.next(&chunk);) {
         if (chunk.id == fourCC("fmt ")) {
-            if (!readFormat(file.cache(), chunk, &format)) {
+            if (!readFormat(cache, chunk, &format)) {
                 return false;
             }
             storeFormat(format, info);
@@ -93,7 +91,7 @@ bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info, const ReadOptions
         } else if (chunk.id == fourCC("fact")) {
             std::uint32_t samples = 0;
             const std::uint64_t field = chunk.position + chunkHeaderSize;
-            if (rcReadUInt32FromCache(file.cache(), field, rcByteOrderLittle, &samples) != fileNoErr) {
+            if (rcReadUInt32FromCache(cache, field, rcByteOrderLittle, &samples) != fileNoErr) {
                 return false;
             }
             if (compressedFormatSeen) {
@@ -105,10 +103,25 @@ bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info, const ReadOptions
     return false;
 }
 
+} // namespace
+
+bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info, const ReadOptions& options) noexcept {
+    *info = {};
+    CachedFile file(path, options.progress);
+    ChunkWalk walk(file.cache(), rcByteOrderLittle);
+    return file && readsAsWave(&walk) && readInfo(file.cache(), walk, info);
+}
+
 bool waveGetFileInfo(const SvxStringRef& path, audioTags* record, const ReadOptions& options) noexcept {
     miAudioInfo info;
-    const bool isRead = miGetWAVInfo(path, &info, options);
+    CachedFile file(path, options.progress);
+    ChunkWalk walk(file.cache(), rcByteOrderLittle);
+    const bool isWave = file && readsAsWave(&walk);
+    const bool isRead = isWave && readInfo(file.cache(), walk, &info);
     miStoreInfo(info, record);
+    if (isWave && options.tags == TagReading::byStandard) {
+        id3ReadTagChunk(record, file.cache(), rcByteOrderLittle, options.pictures);
+    }
     return isRead;
 }
 

@@ -12,6 +12,7 @@ namespace sonarin {
                                 const ReadOptions& options = {}) noexcept;
 
 /// Reads the file into a cleared record; answers as miGetWAVInfo, and stores what was found in either case.
+/// The usual reading knows no tags here; by the standard those of an "ID3 " or "id3 " chunk are read.
 [[nodiscard]] bool waveGetFileInfo(const SvxStringRef& path, audioTags* record,
                                    const ReadOptions& options = {}) noexcept;
 

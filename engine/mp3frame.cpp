@@ -115,6 +115,10 @@ MpegFrameHeader decodeMpegFrameHeader(ByteView bytes) noexcept {
     return header;
 }
 
+std::uint32_t samplesPerFrame(const MpegFrameHeader& header) noexcept {
+    return header.version != mpeg1 && header.layer != layer2 ? 576 : 1152;
+}
+
 std::uint32_t xingDistance(const MpegFrameHeader& header) noexcept {
     const bool mono = header.channelMode == singleChannel;
     if (header.version == mpeg1) {

@@ -29,6 +29,9 @@ inline constexpr std::size_t mpegFrameHeaderSize = 4;
 /// The facts in an acceptable header.
 [[nodiscard]] MpegFrameHeader decodeMpegFrameHeader(ByteView bytes) noexcept;
 
+/// The samples of a frame, for each channel: 1152, but half of that in Layer III of MPEG-2 and MPEG-2.5.
+[[nodiscard]] std::uint32_t samplesPerFrame(const MpegFrameHeader& header) noexcept;
+
 /// The distance from a frame's first byte to its Xing header: behind the four header bytes and the side
 /// information, whose size depends on version and channel mode. A CRC is not allowed for.
 [[nodiscard]] std::uint32_t xingDistance(const MpegFrameHeader& header) noexcept;

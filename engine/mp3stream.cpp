@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "engine/fileEngine.h"
 #include "engine/mp3frame.h"
+#include "engine/mp3length.h"
 #include "engine/mp3tags.h"
 #include "text/stringEngine.h"
 
@@ -74,11 +75,11 @@ void storeAverages(std::uint32_t frames, std::uint64_t bytes, audioTags* record)
 /// Reads the ID3v2 tag at the file's start, if there is one, and moves `*position` behind it. True when it
 /// gave text that makes the ID3v1 block superfluous.
 bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, ByteView start, audioTags* record,
-                    Pictures pictures) {
+                    const ReadOptions& options) {
     if (bigEndian24(start) != (fourCC("ID3 ") >> 8U)) {
         return false;
     }
-    mp3ReadV2Tags(record, position, cache, pictures);
+    mp3ReadV2Tags(record, position, cache, options);
     return SvxStringGetLength(record->mp3SongTitleString) + SvxStringGetLength(record->mp3ArtistString) +
                SvxStringGetLength(record->mp3AlbumString) + SvxStringGetLength(record->mp3CommentString) !=
            0;
@@ -96,20 +97,24 @@ std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record,
     }
     const std::uint64_t size = cache->eof;
     std::uint64_t position = 0;
-    const bool tagGaveText = readLeadingTag(cache, &position, start, record, options.pictures);
+    const bool tagGaveText = readLeadingTag(cache, &position, start, record, options);
 
     const std::optional<MpegFrameHeader> header = findFirstFrame(cache, &position);
     if (!header) {
         return 0;
     }
     storeFrameFacts(*header, size - position, record);
-    const std::uint64_t xingPosition = position + xingDistance(*header);
-    const std::uint32_t frames = xingFrameCount(cache, xingPosition);
-    if (frames != 0) {
-        storeAverages(frames, size - xingPosition, record);
+    if (options.tags == TagReading::byStandard) {
+        mp3StoreLength(cache, position, *header, record);
+    } else {
+        const std::uint64_t xingPosition = position + xingDistance(*header);
+        const std::uint32_t frames = xingFrameCount(cache, xingPosition);
+        if (frames != 0) {
+            storeAverages(frames, size - xingPosition, record);
+        }
     }
-    if (!tagGaveText) {
-        mp3ReadV1Tag(record, cache, size);
+    if (!tagGaveText || options.tags == TagReading::byStandard) {
+        mp3ReadV1Tag(record, cache, size, options.tags);
     }
     return 1;
 }

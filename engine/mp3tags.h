@@ -16,12 +16,15 @@ namespace sonarin {
                                           const ReadOptions& options = {}) noexcept;
 
 /// Reads the ID3v2 tag at `*position`, whose "ID3" the caller has seen, and moves `*position` to the tag's
-/// end. Answers the result of the last cache read.
+/// end. Answers the result of the last cache read; by the standard always 0.
 std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRec* cache,
-                           Pictures pictures = Pictures::load) noexcept;
+                           const ReadOptions& options = {}) noexcept;
 
-/// Fills the record from the ID3v1 block in the last 128 bytes of the file, if there is one.
-void mp3ReadV1Tag(audioTags* record, rcCacheRec* cache, std::uint64_t fileSize) noexcept;
+/// Fills the record from the ID3v1 block in the last 128 bytes of the file, if there is one. By the standard
+/// its texts are ISO-8859-1 and end before the first zero byte, and only what is still missing is taken from
+/// it, whatever else an ID3v2 tag gave.
+void mp3ReadV1Tag(audioTags* record, rcCacheRec* cache, std::uint64_t fileSize,
+                  TagReading reading = TagReading::usual) noexcept;
 
 /// Splits a track text such as "3/12" into number and count, in 16 bits each; 0 for what is missing.
 void mp3DecodeTrackInfo(const SvxStringRef& text, std::uint16_t* track, std::uint16_t* amount) noexcept;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 #include <new>
 
 namespace sonarin {
@@ -63,6 +64,11 @@ std::int32_t refill(rcCacheRec* cache, std::uint64_t position, std::uint32_t cou
     return result;
 }
 
+/// Whether all there is stands in the buffer.
+bool isMemory(const rcCacheRec& cache) {
+    return cache.refNum == 0 && cache.buffer;
+}
+
 /// Makes the buffer, which is large enough, hold the range, refilling it when it does not.
 std::int32_t provide(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) {
     if (!cache->buffer) {
@@ -70,6 +76,9 @@ std::int32_t provide(rcCacheRec* cache, std::uint64_t position, std::uint32_t co
     }
     if (holds(*cache, position, count)) {
         return fileNoErr;
+    }
+    if (isMemory(*cache)) {
+        return fileEofErr;
     }
     const std::int32_t result = refill(cache, position, count);
     if (result != fileNoErr) {
@@ -115,13 +124,22 @@ std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t s
     return rcReadIntoCache(cache, 0);
 }
 
+void rcOpenMemory(rcCacheRec* cache, ByteBlock bytes) noexcept {
+    const auto size = static_cast<std::uint32_t>(bytes.size());
+    cache->eof = size;
+    cache->bufferSize = size;
+    cache->validLength = size;
+    cache->buffer = bytes.release();
+    cache->dataEnd = std::numeric_limits<std::uint64_t>::max();
+}
+
 std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
                              void* destination) noexcept {
     if (!cache->buffer) {
         return fileMemFullErr;
     }
     cache->work += count;
-    if (count > cache->bufferSize) {
+    if (count > cache->bufferSize && !isMemory(*cache)) {
         return rcReadPastCache(cache, position, count, destination);
     }
     const std::int32_t result = provide(cache, position, count);
@@ -133,6 +151,9 @@ std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uin
 
 std::int32_t rcReadPastCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count,
                              void* destination) noexcept {
+    if (isMemory(*cache)) {
+        return rcReadFromCache(cache, position, count, destination);
+    }
     const std::uint32_t piece = std::max(cache->bufferSize, 1U);
     auto* out = static_cast<std::uint8_t*>(destination);
     for (; count > piece; position += piece, count -= piece, out += piece) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "engine/bytes.h"
+#include "engine/byteBlock.h"
 #include "engine/readOptions.h"
 #include "text/SvxString.h"
 
@@ -23,7 +23,7 @@ inline constexpr std::uint32_t rcStandardBufferSize = 65536;
 /// Owned by the reader that opened it, for the reading of one file. While valid, the buffer holds the file's
 /// bytes from bufferPos to bufferPos + validLength.
 struct rcCacheRec {
-    std::int32_t refNum = 0;                ///< the open file; 0 for none
+    std::int32_t refNum = 0;                ///< the open file; 0 for none, and for bytes in memory
     std::uint32_t bufferSize = 0;           ///< capacity of the buffer in bytes
     std::unique_ptr<std::uint8_t[]> buffer; // NOLINT(*-avoid-c-arrays): the size is known at run time only
     std::uint64_t bufferPos = 0;            ///< position of the buffer's first byte
@@ -45,6 +45,9 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 /// fails. The buffer has `size` bytes, or the file's size when that is less, and is filled from position 0
 /// on.
 [[nodiscard]] std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t size) noexcept;
+
+/// Sets the cache up over bytes in memory, which belong to it from then on. Positions count from the first.
+void rcOpenMemory(rcCacheRec* cache, ByteBlock bytes) noexcept;
 
 /// Copies `count` bytes at `position` to `destination`. More than the buffer holds goes straight from the
 /// file to the destination; anything else is served from the buffer, which on a miss is refilled from

@@ -13,6 +13,12 @@ enum class Pictures : std::uint8_t {
     find ///< sets its type and place only
 };
 
+/// How ID3 tags are read, and how long an MPEG stream lasts.
+enum class TagReading : std::uint8_t {
+    usual,     ///< texts by their bytes, sizes of version 2.4 as plain numbers
+    byStandard ///< as the documents of each version say
+};
+
 /// What the one who reads a file and the one who waits for it share; it must outlive the reading.
 struct ReadProgress {
     /// Cleared by who waits: looked at before every read of the file, all of which then fail.
@@ -27,6 +33,7 @@ struct ReadProgress {
 struct ReadOptions {
     Pictures pictures = Pictures::load;
     ReadProgress* progress = nullptr; ///< null where nobody would call the reading off
+    TagReading tags = TagReading::usual;
 };
 
 } // namespace sonarin

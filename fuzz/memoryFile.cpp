@@ -59,9 +59,11 @@ void printRecord(const SvxStringRef& path, audioTags&& record) {
 int fuzzReader(const std::uint8_t* bytes, std::size_t size, Reader read) {
     startUp();
     const MemoryFile file(bytes, size);
-    audioTags record;
-    read(file.path(), &record);
-    printRecord(file.path(), std::move(record));
+    for (const TagReading tags : {TagReading::usual, TagReading::byStandard}) {
+        audioTags record;
+        read(file.path(), &record, {Pictures::load, nullptr, tags});
+        printRecord(file.path(), std::move(record));
+    }
     return 0;
 }
 

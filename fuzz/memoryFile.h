@@ -30,8 +30,9 @@ void startUp();
 /// Writes the record as JSON to nowhere, so that everything in it is looked at.
 void printRecord(const SvxStringRef& path, audioTags&& record);
 
-/// Runs one reader on the bytes as a file and prints what it read. Answers what a fuzz target does.
-using Reader = void (*)(const SvxStringRef& path, audioTags* record);
+/// Runs one reader on the bytes as a file, with tags read in both ways, and prints what it read. Answers what
+/// a fuzz target does.
+using Reader = void (*)(const SvxStringRef& path, audioTags* record, const ReadOptions& options);
 int fuzzReader(const std::uint8_t* bytes, std::size_t size, Reader read);
 
 } // namespace sonarin

@@ -5,6 +5,8 @@
 /// The whole MPEG-4 reader on any bytes.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     using namespace sonarin;
-    return fuzzReader(
-        bytes, size, [](const SvxStringRef& path, audioTags* record) { (void)aacGetFileInfo(path, record); });
+    return fuzzReader(bytes, size,
+                      [](const SvxStringRef& path, audioTags* record, const ReadOptions& options) {
+                          (void)aacGetFileInfo(path, record, options);
+                      });
 }

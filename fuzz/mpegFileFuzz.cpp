@@ -5,6 +5,8 @@
 /// The whole MPEG reader on any bytes.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     using namespace sonarin;
-    return fuzzReader(
-        bytes, size, [](const SvxStringRef& path, audioTags* record) { (void)mp3GetFileInfo(path, record); });
+    return fuzzReader(bytes, size,
+                      [](const SvxStringRef& path, audioTags* record, const ReadOptions& options) {
+                          (void)mp3GetFileInfo(path, record, options);
+                      });
 }

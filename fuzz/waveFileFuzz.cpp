@@ -5,7 +5,8 @@
 /// The whole WAVE reader on any bytes.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     using namespace sonarin;
-    return fuzzReader(bytes, size, [](const SvxStringRef& path, audioTags* record) {
-        (void)waveGetFileInfo(path, record);
-    });
+    return fuzzReader(bytes, size,
+                      [](const SvxStringRef& path, audioTags* record, const ReadOptions& options) {
+                          (void)waveGetFileInfo(path, record, options);
+                      });
 }

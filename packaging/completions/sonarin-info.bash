@@ -15,7 +15,7 @@ _sonarin_info() {
     *)
         if [[ $word == -* && -z $haveOptionsEnded ]]; then
             mapfile -t COMPREPLY < <(compgen -W \
-                '--json --recursive --files0-from --jobs --cover --force --help --version' -- "$word")
+                '--json --recursive --by-standard --files0-from --jobs --cover --force --help --version' -- "$word")
             return
         fi
         ;;

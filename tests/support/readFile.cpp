@@ -8,7 +8,8 @@
 
 namespace sonarin {
 
-ReadResult readFileAs(const std::string& name, const std::string& content, std::uint64_t sizeOnDisk) {
+ReadResult readFileAs(const std::string& name, const std::string& content, std::uint64_t sizeOnDisk,
+                      TagReading tags) {
     startUpIn("C");
     const TestFolder folder;
     const std::string path = folder.write(name, content);
@@ -16,7 +17,8 @@ ReadResult readFileAs(const std::string& name, const std::string& content, std::
         std::filesystem::resize_file(path, sizeOnDisk);
     }
     ReadResult read;
-    read.result = amdGetAudioMetaDataForFile(feMakePathText(path), &read.record);
+    read.result = amdGetAudioMetaDataForFile(feMakePathText(path), &read.record, nullptr,
+                                             {Pictures::load, nullptr, tags});
     return read;
 }
 

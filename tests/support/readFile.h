@@ -15,6 +15,7 @@ struct ReadResult {
 
 /// Reads a file of that name and content through the engine's front door; a size beyond the content leaves a
 /// hole at its end.
-ReadResult readFileAs(const std::string& name, const std::string& content, std::uint64_t sizeOnDisk = 0);
+ReadResult readFileAs(const std::string& name, const std::string& content, std::uint64_t sizeOnDisk = 0,
+                      TagReading tags = TagReading::usual);
 
 } // namespace sonarin

@@ -1,0 +1,375 @@
+// SPDX-License-Identifier: MIT
+#include "engine/id3standard.h"
+
+#include "engine/fileEngine.h"
+#include "engine/fileText.h"
+#include "engine/id3content.h"
+#include "engine/id3frames.h"
+#include "engine/id3genres.h"
+#include "engine/id3stored.h"
+#include "engine/mp3tags.h"
+#include "text/stringEngine.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace sonarin {
+
+namespace {
+
+constexpr std::uint32_t tagHeaderSize = 10;
+
+/// A tag's header (ID3v2.4, section 3.1).
+struct TagHeader {
+    std::uint8_t version = 0; ///< the major one, 2 to 4
+    std::uint8_t flags = 0;
+    std::uint32_t size = 0; ///< of what follows the header, without a footer
+
+    [[nodiscard]] bool isUnsynchronised() const { return (flags & 0x80U) != 0; }
+    /// Version 2 has compression there, without saying how: such a tag is to be ignored.
+    [[nodiscard]] bool isCompressed() const { return version == 2 && (flags & 0x40U) != 0; }
+    [[nodiscard]] bool hasExtendedHeader() const { return version != 2 && (flags & 0x40U) != 0; }
+    [[nodiscard]] bool hasFooter() const { return version == 4 && (flags & 0x10U) != 0; }
+    [[nodiscard]] bool isKnown() const { return version >= 2 && version <= 4 && !isCompressed(); }
+    [[nodiscard]] const FrameLayout& layout() const { return version == 2 ? version2Layout : version3Layout; }
+};
+
+/// Nothing where there is no tag.
+std::optional<TagHeader> decodeTagHeader(ByteView bytes) {
+    constexpr std::uint8_t highestVersion = 0xFE;
+    const ByteView size = bytes.subspan(6, 4);
+    if (bigEndian24(bytes) != (fourCC("ID3 ") >> 8U) || bytes[3] > highestVersion ||
+        bytes[4] > highestVersion ||
+        std::any_of(size.begin(), size.end(), [](std::uint8_t byte) { return byte > 0x7F; })) {
+        return std::nullopt;
+    }
+    return TagHeader{bytes[3], bytes[5], synchsafe(size)};
+}
+
+/// The bytes from the place behind the tag header to the first frame. Where what says it has an extended
+/// header holds none that fits, its frames begin at once: some writers only set the flag.
+std::uint32_t extendedHeaderSize(const TagHeader& header, rcCacheRec* cache, std::uint64_t position,
+                                 std::uint64_t end) {
+    std::array<std::uint8_t, 4> bytes{};
+    if (!header.hasExtendedHeader() ||
+        rcReadFromCache(cache, position, bytes.size(), bytes.data()) != fileNoErr) {
+        return 0;
+    }
+    // Version 3 does not count the size itself, and writes it as a plain number.
+    const std::uint64_t size =
+        header.version == 3 ? std::uint64_t{bigEndian32(bytes)} + bytes.size() : synchsafe(bytes);
+    return size <= end - position ? static_cast<std::uint32_t>(size) : 0;
+}
+
+/// How a frame's data is stored (ID3v2.3, section 3.3.1; ID3v2.4, section 4.1.2).
+struct StoredForm {
+    bool isClosed = false; ///< grouped or encrypted
+    bool isCompressed = false;
+    bool isUnsynchronised = false;
+    bool hasLength = false; ///< four bytes with the length that the data has otherwise stand before it
+};
+
+StoredForm storedForm(const TagHeader& header, std::uint32_t flags) {
+    const auto has = [flags](std::uint32_t flag) { return (flags & flag) != 0; };
+    switch (header.version) {
+    case 3:
+        return {has(0x40) || has(0x20), has(0x80), false, has(0x80)};
+    case 4:
+        return {has(0x40) || has(0x04), has(0x08), header.isUnsynchronised() || has(0x02), has(0x01)};
+    default:
+        return {};
+    }
+}
+
+struct PictureSignature {
+    std::string_view start;
+    std::uint32_t type;
+};
+using namespace std::string_view_literals;
+constexpr std::array<PictureSignature, 6> pictureSignatures = {{{"\xFF\xD8"sv, fourCC("JPEG")},
+                                                                {"\x89PNG"sv, fourCC("PNGf")},
+                                                                {"BM"sv, fourCC("BMPf")},
+                                                                {"GIF8"sv, fourCC("GIFf")},
+                                                                {"II*\0"sv, fourCC("TIFF")},
+                                                                {"MM\0*"sv, fourCC("TIFF")}}};
+
+std::uint32_t pictureType(const FrameContent& picture) {
+    const std::uint32_t known = std::min(picture.size(), 4U);
+    const auto start =
+        asCharacters(rcBytesInCache(picture.cache(), picture.position(), known)).substr(0, known);
+    const auto* found =
+        std::find_if(pictureSignatures.begin(), pictureSignatures.end(), [&](const PictureSignature& one) {
+            return start.substr(0, one.start.size()) == one.start;
+        });
+    return found == pictureSignatures.end() ? 0 : found->type;
+}
+
+class FramesByStandard final : public FrameReading {
+public:
+    /// `end` is the tag's, in the cache's positions.
+    FramesByStandard(audioTags* record, rcCacheRec* cache, const TagHeader& header, std::uint64_t end,
+                     bool isStoredAsIs, Pictures pictures)
+        : record_(record), cache_(cache), header_(header), end_(end), isStoredAsIs_(isStoredAsIs),
+          pictures_(pictures) {}
+
+    /// A frame that goes beyond the tag's end is none.
+    [[nodiscard]] std::optional<std::uint32_t> sizeOf(const Frame& frame) override {
+        const std::uint32_t size = header_.version == 4 ? sizeInVersion4(frame) : frame.size;
+        const bool fits = frame.dataPosition <= end_ && size <= end_ - frame.dataPosition;
+        return fits ? std::optional(size) : std::nullopt;
+    }
+
+    void take(const FrameRule& rule, const Frame& frame) override {
+        const StoredForm form = storedForm(header_, frame.flags);
+        FrameContent content(cache_, frame.dataPosition, frame.size);
+        std::array<std::uint8_t, 4> length{};
+        if (form.isClosed || (form.isCompressed && !form.hasLength)) {
+            return;
+        }
+        if (form.hasLength) {
+            const FrameContent field = content.take(length.size());
+            if (rcReadFromCache(cache_, field.position(), field.size(), length.data()) != fileNoErr) {
+                return;
+            }
+        }
+        if (!form.isCompressed && !form.isUnsynchronised) {
+            read(rule, content, isStoredAsIs_);
+            return;
+        }
+        ByteBlock bytes =
+            restore(content, form, header_.version == 3 ? bigEndian32(length) : synchsafe(length));
+        if (bytes) {
+            rcCacheRec memory;
+            rcOpenMemory(&memory, std::move(bytes));
+            read(rule, {&memory, 0, static_cast<std::uint32_t>(memory.eof)}, false);
+        }
+    }
+
+private:
+    /// Sizes have seven bits a byte, but well-known writers put plain numbers there: the one is right behind
+    /// which the tag goes on, or ends.
+    [[nodiscard]] std::uint32_t sizeInVersion4(const Frame& frame) {
+        constexpr std::uint32_t topBits = 0x80808080;
+        if (frame.size < 0x80 || (frame.size & topBits) != 0) {
+            return frame.size;
+        }
+        const std::uint32_t size = ((frame.size & 0x7F000000U) >> 3U) | ((frame.size & 0x7F0000U) >> 2U) |
+                                   ((frame.size & 0x7F00U) >> 1U) | (frame.size & 0x7FU);
+        const bool isPossibleAsPlain = frame.size <= end_ - std::min(end_, frame.dataPosition);
+        return !isPossibleAsPlain || goesOnBehind(frame, size) || !goesOnBehind(frame, frame.size)
+                   ? size
+                   : frame.size;
+    }
+
+    [[nodiscard]] bool goesOnBehind(const Frame& frame, std::uint32_t size) {
+        const std::uint64_t next = frame.dataPosition + size;
+        if (next >= end_) {
+            return next == end_;
+        }
+        std::array<std::uint8_t, 4> id{};
+        const auto known = static_cast<std::uint32_t>(std::min<std::uint64_t>(id.size(), end_ - next));
+        // Past the buffer, which holds the frame that is to be read first.
+        if (rcReadPastCache(cache_, next, known, id.data()) != fileNoErr) {
+            return false;
+        }
+        const bool isPadding = bigEndian32(id) == 0;
+        return isPadding || std::all_of(id.begin(), id.end(), [](std::uint8_t byte) {
+                   return (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+               });
+    }
+
+    /// The content's bytes as they were before they were stored; empty when they cannot be had.
+    [[nodiscard]] ByteBlock restore(const FrameContent& content, const StoredForm& form, std::size_t length) {
+        ByteBlock bytes = ByteBlock::allocate(content.size());
+        if (!bytes ||
+            rcReadPastCache(cache_, content.position(), content.size(), bytes.data()) != fileNoErr) {
+            return {};
+        }
+        if (form.isUnsynchronised) {
+            id3Resynchronise(&bytes);
+        }
+        if (!form.isCompressed) {
+            return bytes;
+        }
+        if (length > inflatable_) {
+            return {};
+        }
+        inflatable_ -= length;
+        return id3Inflate(bytes.view(), length);
+    }
+
+    /// `isAsInFile` when the content's place is one in the file.
+    void read(const FrameRule& rule, FrameContent content, bool isAsInFile) {
+        const std::uint8_t encoding = content.takeByte();
+        switch (rule.kind) {
+        case FrameKind::text:
+            joinTo(&(record_->*rule.field), SvxStringJoinParts(values(content, encoding), separator));
+            break;
+        case FrameKind::genre:
+            joinTo(&(record_->*rule.field), id3GenreNames(values(content, encoding)));
+            break;
+        case FrameKind::remark:
+            readRemark(&(record_->*rule.field), content, encoding);
+            break;
+        case FrameKind::track:
+            mp3DecodeTrackInfo(firstValue(content, encoding), &record_->mp3TheTrack,
+                               &record_->mp3TrackAmount);
+            break;
+        case FrameKind::year:
+        case FrameKind::recordingTime:
+            readYear(rule.kind, firstValue(content, encoding));
+            break;
+        case FrameKind::picture:
+            readPicture(content, encoding, isAsInFile);
+            break;
+        }
+    }
+
+    /// Up to the first terminator, or in version 4 the values that terminators separate.
+    [[nodiscard]] SvxStringRef values(const FrameContent& content, std::uint8_t encoding) const {
+        return header_.version == 4 ? content.text(encoding) : firstValue(content, encoding);
+    }
+
+    static SvxStringRef firstValue(FrameContent content, std::uint8_t encoding) {
+        return SvxStringJoinParts(content.takeString(encoding).text(encoding), separator);
+    }
+
+    static void joinTo(SvxStringRef* field, SvxStringRef text) {
+        if (!*field) {
+            *field = std::move(text);
+        } else if (text && !SvxStringIsEqual(*field, text)) {
+            SvxStringAppendAfterBlank(field, SvxStringFromLatin1("/"));
+            SvxStringAppendAfterBlank(field, text);
+        }
+    }
+
+    void readRemark(SvxStringRef* field, FrameContent content, std::uint8_t encoding) {
+        constexpr std::uint32_t languageSize = 3;
+        content.take(languageSize);
+        const FrameContent descriptor = content.takeString(encoding);
+        const SvxStringRef name = SvxStringJoinParts(descriptor.text(encoding), separator);
+        bool& isPlain = field == &record_->mp3CommentString ? hasPlainComment_ : hasPlainLyrics_;
+        if (isPlain || (name && *field) || containsITunesData(name)) {
+            return;
+        }
+        if (SvxStringRef text = firstValue(content, encoding)) {
+            *field = std::move(text);
+            isPlain = !name;
+        }
+    }
+
+    /// The recording time begins with the year.
+    void readYear(FrameKind kind, const SvxStringRef& text) {
+        const auto year = static_cast<std::uint16_t>(SvxStringGetIntValue(text));
+        if (year != 0 &&
+            (record_->mp3Year == 0 || (kind == FrameKind::recordingTime && !hasRecordingTime_))) {
+            record_->mp3Year = year;
+            hasRecordingTime_ = kind == FrameKind::recordingTime;
+        }
+    }
+
+    void readPicture(FrameContent content, std::uint8_t encoding, bool isAsInFile) {
+        constexpr std::uint32_t formatSize = 3; // of version 2; later the MIME type
+        constexpr std::uint8_t latin1 = 0;
+        constexpr std::uint8_t frontCover = 3;
+        const FrameContent format =
+            header_.version == 2 ? content.take(formatSize) : content.takeString(latin1);
+        const bool isFront = content.takeByte() == frontCover;
+        content.takeString(encoding); // the description
+        const bool hasPicture = record_->mp3CoverArtPlace.size != 0;
+        const bool isLink = SvxStringIsEqual(format.text(latin1), SvxStringFromLatin1("-->"));
+        if (content.size() == 0 || isLink || hasFrontCover_ || (hasPicture && !isFront)) {
+            return;
+        }
+        if (pictures_ == Pictures::load) {
+            ByteBlock bytes = ByteBlock::allocate(content.size());
+            if (!bytes || rcReadPastCache(content.cache(), content.position(), content.size(),
+                                          bytes.data()) != fileNoErr) {
+                return;
+            }
+            record_->mp3CoverArt = std::move(bytes);
+        }
+        record_->mp3CoverArtPlace = {isAsInFile ? content.position() : 0, content.size()};
+        record_->mp3CoverArtType = pictureType(content);
+        hasFrontCover_ = isFront;
+    }
+
+    static constexpr std::string_view separator = " / ";
+
+    audioTags* record_;
+    rcCacheRec* cache_;
+    const TagHeader& header_;
+    std::uint64_t end_;
+    bool isStoredAsIs_;
+    Pictures pictures_;
+    /// What is left to inflate: frames that are small in the file may be large in memory, and many.
+    std::size_t inflatable_ = 4 * id3MostInflated;
+    bool hasPlainComment_ = false;
+    bool hasPlainLyrics_ = false;
+    bool hasRecordingTime_ = false;
+    bool hasFrontCover_ = false;
+};
+
+/// Before version 4 a tag is unsynchronised as a whole, and its sizes are those that frames had before.
+bool resynchronise(rcCacheRec* cache, std::uint64_t position, std::uint64_t end, rcCacheRec* memory) {
+    ByteBlock bytes = ByteBlock::allocate(static_cast<std::size_t>(end - position));
+    if (!bytes || rcReadPastCache(cache, position, static_cast<std::uint32_t>(bytes.size()), bytes.data()) !=
+                      fileNoErr) {
+        return false;
+    }
+    id3Resynchronise(&bytes);
+    rcOpenMemory(memory, std::move(bytes));
+    return true;
+}
+
+} // namespace
+
+std::uint64_t id3ReadTag(audioTags* record, std::uint64_t position, std::uint64_t limit, rcCacheRec* cache,
+                         Pictures pictures) noexcept {
+    std::array<std::uint8_t, tagHeaderSize> bytes{};
+    limit = std::min(limit, cache->eof);
+    if (position > limit || limit - position < bytes.size() ||
+        rcReadFromCache(cache, position, bytes.size(), bytes.data()) != fileNoErr) {
+        return position;
+    }
+    const std::optional<TagHeader> header = decodeTagHeader(bytes);
+    if (!header) {
+        return position;
+    }
+    std::uint64_t first = position + tagHeaderSize;
+    const std::uint64_t tagEnd = first + header->size;
+    std::uint64_t end = std::min(tagEnd, limit);
+    if (header->isKnown()) {
+        record->mp3TagVersion = header->version;
+        rcCacheRec memory;
+        const bool isStoredAsIs = header->version == 4 || !header->isUnsynchronised();
+        if (!isStoredAsIs) {
+            if (!resynchronise(cache, first, end, &memory)) {
+                return tagEnd;
+            }
+            cache = &memory;
+            first = 0;
+            end = memory.eof;
+        }
+        first += extendedHeaderSize(*header, cache, first, end);
+        FramesByStandard reading(record, cache, *header, end, isStoredAsIs, pictures);
+        walkFrames(header->layout(), cache, first, end, reading);
+    }
+    return tagEnd + (header->hasFooter() ? tagHeaderSize : 0);
+}
+
+void id3ReadTagChunk(audioTags* record, rcCacheRec* cache, rcByteOrder sizeOrder,
+                     Pictures pictures) noexcept {
+    ChunkWalk walk(cache, sizeOrder, ChunkPadding::byStandard);
+    for (Chunk chunk; record->mp3TagVersion == 0 && walk.next(&chunk);) {
+        if (chunk.id == fourCC("ID3 ") || chunk.id == fourCC("id3 ")) {
+            const std::uint64_t start = chunk.position + chunkHeaderSize;
+            id3ReadTag(record, start, start + chunk.size, cache, pictures);
+        }
+    }
+}
+
+} // namespace sonarin

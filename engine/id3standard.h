@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "engine/audioMetaData.h"
+#include "engine/chunkWalk.h"
+#include "engine/readCache.h"
+
+#include <cstdint>
+
+/// ID3 tags as their documents say: ID3v2.2 (1998), ID3v2.3.0 (1999), ID3v2.4.0 (2000, structure and native
+/// frames).
+namespace sonarin {
+
+/// Fills the record from the tag at `position`, no byte of which is looked for at or behind `limit`. Answers
+/// the place behind the tag and its footer, as the tag says; `position` when there is no tag.
+///
+/// Of several texts of one kind each is shown, of comments and lyrics the first without a descriptor, else
+/// the first (what iTunes keeps there for itself is none), of pictures the first front cover, else the first.
+/// Frames that are grouped or encrypted are passed over, and those that cannot be decoded.
+std::uint64_t id3ReadTag(audioTags* record, std::uint64_t position, std::uint64_t limit, rcCacheRec* cache,
+                         Pictures pictures) noexcept;
+
+/// Does so for the first "ID3 " or "id3 " chunk of a form that holds a tag.
+void id3ReadTagChunk(audioTags* record, rcCacheRec* cache, rcByteOrder sizeOrder, Pictures pictures) noexcept;
+
+} // namespace sonarin

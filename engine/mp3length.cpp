@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "engine/mp3length.h"
+
+#include "engine/fileEngine.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+
+namespace sonarin {
+
+namespace {
+
+struct StreamLength {
+    std::uint32_t frames = 0;
+    std::uint32_t bytes = 0;  ///< 0 when it is not said
+    std::uint32_t silent = 0; ///< samples that the encoder added at both ends
+    bool isVariable = true;
+};
+
+/// The longest header, with the extension's part that is used; zero where the file ends before.
+using HeaderBytes = std::array<std::uint8_t, 144>;
+
+HeaderBytes headerAt(rcCacheRec* cache, std::uint64_t position) {
+    HeaderBytes bytes{};
+    const std::uint64_t left = cache->eof > position ? cache->eof - position : 0;
+    const auto known = static_cast<std::uint32_t>(std::min<std::uint64_t>(left, bytes.size()));
+    if (rcReadFromCache(cache, position, known, bytes.data()) != fileNoErr) {
+        return {};
+    }
+    return bytes;
+}
+
+/// The encoders that write the extension: LAME, and those that took it over.
+bool hasExtension(ByteView bytes) {
+    switch (bigEndian32(bytes)) {
+    case fourCC("LAME"):
+    case fourCC("L3.9"):
+    case fourCC("Lavf"):
+    case fourCC("Lavc"):
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Twelve bits each for what was added at the start and at the end, behind the encoder's name and other
+/// things.
+std::uint32_t silentSamples(ByteView extension) {
+    constexpr std::size_t place = 21;
+    const std::uint32_t both = bigEndian24(extension, place);
+    return (both >> 12U) + (both & 0xFFFU);
+}
+
+std::optional<StreamLength> xingLength(ByteView bytes) {
+    const std::uint32_t magic = bigEndian32(bytes);
+    if (magic != fourCC("Xing") && magic != fourCC("Info")) {
+        return std::nullopt;
+    }
+    const std::uint32_t flags = bigEndian32(bytes, 4);
+    std::size_t position = 8;
+    const auto number = [&](std::uint32_t flag) {
+        const bool isThere = (flags & flag) != 0;
+        position += isThere ? 4 : 0;
+        return isThere ? bigEndian32(bytes, position - 4) : 0;
+    };
+    StreamLength length;
+    length.isVariable = magic == fourCC("Xing");
+    length.frames = number(1);
+    length.bytes = number(2);
+    position += (flags & 4U) != 0 ? 100 : 0; // the table of places to seek
+    number(8);                               // the quality
+    const ByteView extension = bytes.subspan(position);
+    length.silent = hasExtension(extension) ? silentSamples(extension) : 0;
+    return length;
+}
+
+/// The Fraunhofer encoder's header, always as far from the frame's start.
+std::optional<StreamLength> vbriLength(ByteView bytes) {
+    if (bigEndian32(bytes) != fourCC("VBRI")) {
+        return std::nullopt;
+    }
+    StreamLength length;
+    length.bytes = bigEndian32(bytes, 10);
+    length.frames = bigEndian32(bytes, 14);
+    return length;
+}
+
+} // namespace
+
+void mp3StoreLength(rcCacheRec* cache, std::uint64_t frame, const MpegFrameHeader& header,
+                    audioTags* record) noexcept {
+    constexpr std::uint32_t vbriDistance = 36;
+    std::optional<StreamLength> length = xingLength(headerAt(cache, frame + xingDistance(header)));
+    if (!length) {
+        length = vbriLength(headerAt(cache, frame + vbriDistance));
+    }
+    if (!length || length->frames == 0) {
+        return;
+    }
+    const std::uint64_t all = std::uint64_t{length->frames} * samplesPerFrame(header);
+    const std::uint64_t samples = all > length->silent ? all - length->silent : all;
+    record->mp3SongLen = static_cast<std::uint16_t>(samples / header.samplingRate);
+    record->mp3HasVBR = length->isVariable ? 1 : 0;
+    if (length->isVariable) {
+        const std::uint64_t bytes = length->bytes != 0 ? length->bytes : cache->eof - frame;
+        record->mp3BitRate = static_cast<std::uint32_t>(std::lround(
+            static_cast<double>(bytes) * 8 * header.samplingRate / static_cast<double>(all) / 1000));
+    }
+}
+
+} // namespace sonarin
