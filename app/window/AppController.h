@@ -76,6 +76,8 @@ public:
     /// time the window's events go on, with the file before still shown, and a newer path takes this one's
     /// place.
     bool updateValuesForNewPath(const QString& path);
+    /// How tags are read, as the user chose and is remembered.
+    [[nodiscard]] TagReading tagReading() const;
     /// Whether a file is still being read.
     [[nodiscard]] bool isReading() const { return reading_ != nullptr; }
     /// Stores the audio type, and answers whether it is one.
@@ -149,6 +151,7 @@ public slots:
     void showInFinder();
     void showAbout();
     void setKeptOnTop(bool isKept);
+    void setReadByStandard(bool isByStandard);
 
 public:
     // --- outlets, made by the interface files
@@ -220,11 +223,13 @@ private:
     void startFollowing();
     [[nodiscard]] SelectionSources::Question question() const;
     [[nodiscard]] SelectionSources::Paths querySource();
+    bool readAndShow(const QString& path);
     void startReading(const QString& path);
     void endReading();
     void showReading();
     void showRead();
     void showUnread();
+    void lookForHiddenTexts(const std::shared_ptr<const FileReading>& reading);
     void showName(const QString& path);
     void showIcon(const FileIcon& wanted);
     void clearFacts();
@@ -281,6 +286,8 @@ private:
 
     std::shared_ptr<FileReading> reading_; ///< of the path chosen last; none once it is shown
     SideWork::JobRef readingJob_;
+    std::shared_ptr<ReadProgress> hiddenTexts_; ///< while texts that the file shown hides are looked for
+    SideWork::JobRef hiddenTextsJob_;
     QString openedPath_; ///< that was opened, not followed, and is still to be remembered
     HostFileAttributes shownAttributes_;
     bool isFileRead_ = false; ///< the panel shows the record

@@ -41,6 +41,10 @@ void AppController::setUpMenus() {
     keepOnTopIfWanted(myWindow);
     connect(keepOnTop, &QAction::toggled, this, &AppController::setKeptOnTop);
 
+    QAction* byStandard = command("readByStandardAction");
+    byStandard->setChecked(tagReading() == TagReading::byStandard);
+    connect(byStandard, &QAction::toggled, this, &AppController::setReadByStandard);
+
     for (ValueLabel* value : myWindow->findChildren<ValueLabel*>()) {
         connect(value, &QWidget::customContextMenuRequested, this,
                 [this, value](const QPoint& place) { showValueMenu(value, place); });

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The information panel: what it shows for a path.
+#include "app/hiddenTexts.h"
 #include "app/panelTexts.h"
 #include "app/window/AppController.h"
 #include "app/window/cocoaUtils.h"
@@ -18,6 +19,8 @@
 namespace sonarin {
 
 namespace {
+
+constexpr QLatin1StringView readsTagsByStandard("readsTagsByStandard");
 
 struct FactField {
     ValueLabel* AppController::*field;
@@ -104,6 +107,10 @@ bool AppController::updateValuesForNewPath(const QString& path) {
     if (path.isNull() || (!chosen.isNull() && path == chosen)) {
         return false;
     }
+    return readAndShow(path);
+}
+
+bool AppController::readAndShow(const QString& path) {
     startReading(path);
     const std::shared_ptr<const FileReading> reading = reading_;
     if (!sideWork_.mustWaitItsTurn(readingJob_)) {
@@ -117,6 +124,19 @@ bool AppController::updateValuesForNewPath(const QString& path) {
     return (reading->hasEnded ? reading->file.type : amdAudioFileTypeOfName(reading->text)) != amdTypeNone;
 }
 
+/// The file shown is read again at once.
+void AppController::setReadByStandard(bool isByStandard) {
+    defaults_->set(readsTagsByStandard, isByStandard ? 1 : 0);
+    const QString path = reading_ ? reading_->path : lastPath;
+    if (!path.isNull()) {
+        readAndShow(path);
+    }
+}
+
+TagReading AppController::tagReading() const {
+    return defaults_->integer(readsTagsByStandard) != 0 ? TagReading::byStandard : TagReading::usual;
+}
+
 bool AppController::acceptPath(std::int32_t type) {
     currentItemType = type;
     return currentItemType != amdTypeNone;
@@ -125,7 +145,7 @@ bool AppController::acceptPath(std::int32_t type) {
 /// What was chosen before is of no interest any more; how long it takes to notice that is its own affair.
 void AppController::startReading(const QString& path) {
     endReading();
-    reading_ = std::make_shared<FileReading>(path);
+    reading_ = std::make_shared<FileReading>(path, tagReading());
     const auto hasEnded = [this] {
         reading_->hasEnded = true;
         showReading();
@@ -140,6 +160,11 @@ void AppController::endReading() {
         reading_->progress.isWanted = false;
         sideWork_.forget(readingJob_);
         reading_ = nullptr;
+    }
+    if (hiddenTexts_) {
+        hiddenTexts_->isWanted = false;
+        sideWork_.forget(hiddenTextsJob_);
+        hiddenTexts_ = nullptr;
     }
     readingTimer_.stop();
     followStatusField->setFile(QString());
@@ -209,6 +234,26 @@ void AppController::showRead() {
         showIcon(reading->icon);
     }
     finishUpdate();
+    if (isFileRead_ && reading->tags == TagReading::usual && mayHideTexts(currentItemType, currentItem)) {
+        lookForHiddenTexts(reading);
+    }
+}
+
+/// Beside the window as well, and once the file is shown: nobody waits for it.
+void AppController::lookForHiddenTexts(const std::shared_ptr<const FileReading>& reading) {
+    const auto progress = std::make_shared<ReadProgress>();
+    const auto isFound = std::make_shared<bool>(false);
+    const auto look = [reading, progress, isFound, shown = textsIn(currentItem)] {
+        *isFound = hidesTexts(reading->text, shown, progress.get());
+    };
+    const auto tell = [this, progress, isFound] {
+        if (*isFound && progress == hiddenTexts_) {
+            followStatusField->setFile(
+                QStringLiteral("This tag has texts that are shown only when read by its standard"));
+        }
+    };
+    hiddenTexts_ = progress;
+    hiddenTextsJob_ = sideWork_.start(reading->hostPath.path, look, tell);
 }
 
 /// The theme may be on a disk that is slower than the file's.

@@ -8,13 +8,13 @@
 
 namespace sonarin {
 
-FileReading::FileReading(QString shownPath)
-    : path(std::move(shownPath)), text(cocoaUtils::textFromString(path)) {
+FileReading::FileReading(QString shownPath, TagReading tagReading)
+    : path(std::move(shownPath)), text(cocoaUtils::textFromString(path)), tags(tagReading) {
     (void)feMakeFSRefFromPath(text, &hostPath);
 }
 
 void FileReading::run() {
-    file = readShownFile(text, {Pictures::load, &progress});
+    file = readShownFile(text, {Pictures::load, &progress, tags});
     if (file.isRead() && progress.isWanted) {
         cover = amdGetCoverArt(file.record, &progress.isWanted);
     }

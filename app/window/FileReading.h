@@ -14,7 +14,7 @@ namespace sonarin {
 /// One file on its way into the panel. It is read beside the window (see SideWork): until that has ended only
 /// the path and `progress` are the window's to look at; from then on all of it is, and it has no other owner.
 struct FileReading {
-    explicit FileReading(QString shownPath);
+    FileReading(QString shownPath, TagReading tagReading);
     FileReading(const FileReading&) = delete;
     FileReading& operator=(const FileReading&) = delete;
     ~FileReading() = default;
@@ -25,6 +25,7 @@ struct FileReading {
     const QString path;      ///< its bytes that are no UTF-8 as U+DC80 to U+DCFF
     const SvxStringRef text; ///< the same
     FSRef hostPath;          ///< the same; empty where it can be none
+    const TagReading tags;
     ReadProgress progress;
 
     ShownFile file;
