@@ -30,13 +30,13 @@ void startUp() {
 
 } // namespace
 
-void printAsJson(const std::vector<std::string>& paths) {
+void printAsJson(const std::vector<std::string>& paths, TagReading tags) {
     startUp();
     const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
     FileSink sink(null);
     OutputBuffer out(sink);
     for (const std::string& path : paths) {
-        appendJson(out, readShownFile(feMakePathText(path), {Pictures::find}));
+        appendJson(out, readShownFile(feMakePathText(path), {Pictures::find, nullptr, tags}));
         out.flush();
     }
     close(null);

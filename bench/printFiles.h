@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "engine/readOptions.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
@@ -10,7 +12,7 @@
 namespace sonarin::bench {
 
 /// Reads the files and prints them as JSON to nowhere, as sonarin-info does.
-void printAsJson(const std::vector<std::string>& paths);
+void printAsJson(const std::vector<std::string>& paths, TagReading tags = TagReading::usual);
 void printFiles(benchmark::State& state, const std::vector<std::string>& paths);
 
 } // namespace sonarin::bench
