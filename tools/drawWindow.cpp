@@ -208,6 +208,11 @@ int main(int argc, char** argv) {
         QApplication::setLayoutDirection(Qt::RightToLeft);
         photographer.take(window, "right-to-left");
         QApplication::setLayoutDirection(Qt::LeftToRight);
+        showFile("latin.mp3",
+                 sample::id3Tag(sample::textFrame("TIT2", "Caf\xE9") + sample::textFrame("TPE1", "Ann")) +
+                     sample::mpegAudio(5000));
+        (void)waitFor([&] { return controller.followStatusField->text().startsWith(u"This tag"); });
+        photographer.take(window, "hidden-texts");
         showFile("broken.mp3", "no audio");
         photographer.take(window, "failed");
         const SlowDisk disk;

@@ -103,6 +103,29 @@ TEST_F(Comfort, TextsStayBesideTheirCaptions) {
     EXPECT_GT(left, 0); // something was painted, and no ring
 }
 
+TEST_F(Comfort, ReadsTagsByTheirStandardsWhenAskedTo) {
+    const QString hint = QStringLiteral("This tag has texts that are shown only when read by its standard");
+    EXPECT_FALSE(command("readByStandardAction")->isChecked());
+    showFrames(textFrame("TIT2", "Caf\xE9") + textFrame("TPE1", "Ann"));
+    EXPECT_EQ(controller->id3SongTitleField->text(), "");
+    EXPECT_TRUE(waitFor([&] { return foot() == hint; }));
+    showFrames(textFrame("TPE1", "Bob"), "y.mp3");
+    runFor(100);
+    EXPECT_NE(foot(), hint);
+
+    showFrames(textFrame("TIT2", "Caf\xE9") + textFrame("TPE1", "Ann"));
+    command("readByStandardAction")->trigger();
+    waitForFile(*controller);
+    EXPECT_EQ(controller->id3SongTitleField->text(), "Café");
+    EXPECT_EQ(controller->id3ArtistField->text(), "Ann");
+    runFor(100);
+    EXPECT_NE(foot(), hint);
+    controller = std::make_unique<AppController>(&sources, &defaults);
+    EXPECT_TRUE(command("readByStandardAction")->isChecked());
+    show(folder.path("x.mp3"));
+    EXPECT_EQ(controller->id3SongTitleField->text(), "Café");
+}
+
 TEST_F(Comfort, WeakTextsCanBeRead) {
     for (const QPalette& palette : {QPalette(QColor(240, 240, 240), QColor(239, 239, 239)),
                                     QPalette(QColor(53, 53, 57), QColor(42, 42, 46))}) {
