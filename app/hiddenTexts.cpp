@@ -24,7 +24,8 @@ TextSet textsIn(const audioTags& record) noexcept {
 
 bool mayHideTexts(std::int32_t type, const audioTags& record) noexcept {
     // A WAVE file's tag is not looked for otherwise, and a block of ID3v1 stands in for a tag without texts.
-    return type == amdTypeWAVE || type == amdTypeAIFF || (type == amdTypeMP3 && record.mp3TagVersion != 0);
+    return !textsIn(record).all() &&
+           (type == amdTypeWAVE || type == amdTypeAIFF || (type == amdTypeMP3 && record.mp3TagVersion != 0));
 }
 
 bool hidesTexts(const SvxStringRef& path, const TextSet& shown, ReadProgress* progress) noexcept {

@@ -44,8 +44,8 @@ struct audioTags {
     SvxStringRef mp3LyricsString;
     SvxStringRef mp3EncoderAppString;
     ByteBlock mp3CoverArt; ///< the bytes of one image file; none where Pictures::find was asked for
-    /// Where those bytes stand in the audio file, or 0 and their size where they stand there in another form
-    /// (compressed, unsynchronised); of size 0 without a picture.
+    /// Where those bytes stand in the audio file, unless it holds them in another form (compressed,
+    /// unsynchronised); of size 0 without a picture.
     FilePlace mp3CoverArtPlace;
     /// "JPEG", "PNGf" or "BMPf" as a four-character code, by the standard "GIFf" and "TIFF" too; 0 for none
     /// of these.

@@ -21,6 +21,10 @@ enum class ChunkPadding : std::uint8_t {
     byStandard ///< behind a chunk of odd size a zero byte is passed over
 };
 
+constexpr ChunkPadding paddingFor(TagReading reading) {
+    return reading == TagReading::usual ? ChunkPadding::none : ChunkPadding::byStandard;
+}
+
 /// One pass over the chunks.
 class ChunkWalk {
 public:

@@ -12,22 +12,37 @@ namespace sonarin {
 
 namespace {
 
-/// The name that a reference stands for; absent when it is none that is known.
-SvxStringRef referredName(const SvxStringRef& reference) {
+constexpr std::int16_t genreTable = 513;
+constexpr std::int32_t lastCode = 191;
+
+/// The name that a reference stands for.
+struct Genre {
+    SvxStringRef name;    ///< absent where it is none that is known
+    SvxStringRef written; ///< as writers repeat it behind the reference
+};
+
+Genre referredGenre(const SvxStringRef& reference) {
     constexpr SvxIndex mostDigits = 3;
     const SvxIndex length = SvxStringGetLength(reference);
     if (length == 0 || length > mostDigits) {
-        return nullptr;
+        return {};
     }
     for (SvxIndex i = 0; i < length; ++i) {
         const char16_t unit = SvxStringGetUniChar(reference, i);
         if (unit < u'0' || unit > u'9') {
-            return SvxStringIsEqual(reference, SvxStringFromLatin1("RX"))   ? SvxStringFromLatin1("Remix")
-                   : SvxStringIsEqual(reference, SvxStringFromLatin1("CR")) ? SvxStringFromLatin1("Cover")
-                                                                            : nullptr;
+            const bool isRemix = SvxStringIsEqual(reference, SvxStringFromLatin1("RX"));
+            const bool isCover = SvxStringIsEqual(reference, SvxStringFromLatin1("CR"));
+            const SvxStringRef name = isRemix   ? SvxStringFromLatin1("Remix")
+                                      : isCover ? SvxStringFromLatin1("Cover")
+                                                : nullptr;
+            return {name, name};
         }
     }
-    return id3GenreName(SvxStringGetIntValue(reference));
+    const std::int32_t code = SvxStringGetIntValue(reference);
+    return code > lastCode
+               ? Genre()
+               : Genre{id3GenreName(code),
+                       SvxStringGetFromEnglishTable(genreTable, static_cast<std::int16_t>(code + 1))};
 }
 
 /// Takes the values of a content type frame apart.
@@ -46,7 +61,7 @@ public:
     }
 
 private:
-    [[nodiscard]] bool isFull() const { return count_ == names_.size(); }
+    [[nodiscard]] bool isFull() const { return count_ == genres_.size(); }
 
     [[nodiscard]] SvxStringRef part(SvxIndex start, SvxIndex end) const {
         return SvxStringCreateWithSubstring(content_, start, end - start);
@@ -55,54 +70,53 @@ private:
     void addValue(SvxIndex start, SvxIndex end) {
         const std::size_t before = count_;
         SvxIndex position = start;
-        while (position < end && SvxStringGetUniChar(content_, position) == u'(' && !isFull()) {
+        while (position < end && SvxStringGetUniChar(content_, position) == u'(') {
             const SvxIndex close = SvxStringFindUnit(content_, ')', position, end);
-            const SvxStringRef name = close == end ? nullptr : referredName(part(position + 1, close));
-            if (!name) {
+            const Genre genre = close == end ? Genre() : referredGenre(part(position + 1, close));
+            if (!genre.name || isFull()) {
                 break;
             }
-            add(name);
+            add(genre);
             position = close + 1;
         }
         // A name that begins with a parenthesis has it twice.
         const bool isEscaped = position + 1 < end && SvxStringGetUniChar(content_, position) == u'(' &&
                                SvxStringGetUniChar(content_, position + 1) == u'(';
         const SvxStringRef rest = part(position + (isEscaped ? 1 : 0), end);
-        const SvxStringRef name = position == start ? referredName(rest) : nullptr;
+        const Genre genre = position == start ? referredGenre(rest) : Genre();
         const bool isRepeated =
-            std::any_of(names_.begin() + before, names_.begin() + count_,
-                        [&](const SvxStringRef& known) { return SvxStringIsEqual(known, rest); });
+            std::any_of(genres_.begin() + before, genres_.begin() + count_, [&](const Genre& known) {
+                return SvxStringIsEqual(known.name, rest) || SvxStringIsEqual(known.written, rest);
+            });
         if (!isRepeated) {
-            add(name ? name : rest);
+            add(genre.name ? genre : Genre{rest, rest});
         }
     }
 
-    void add(const SvxStringRef& name) {
-        if (SvxStringGetLength(name) != 0 && !isFull()) {
-            names_.at(count_++) = name;
+    void add(const Genre& genre) {
+        if (SvxStringGetLength(genre.name) != 0 && !isFull()) {
+            genres_.at(count_++) = genre;
         }
     }
 
     SvxStringRef joined() {
         const SvxStringRef separator = SvxStringFromLatin1("/");
-        SvxStringRef list = names_.front();
+        SvxStringRef list = genres_.front().name;
         for (std::size_t i = 1; i < count_; ++i) {
             SvxStringAppendAfterBlank(&list, separator);
-            SvxStringAppendAfterBlank(&list, names_.at(i));
+            SvxStringAppendAfterBlank(&list, genres_.at(i).name);
         }
         return list;
     }
 
     const SvxStringRef& content_;
-    std::array<SvxStringRef, 100> names_;
+    std::array<Genre, 100> genres_;
     std::size_t count_ = 0;
 };
 
 } // namespace
 
 SvxStringRef id3GenreName(std::int32_t code) noexcept {
-    constexpr std::int16_t genreTable = 513;
-    constexpr std::int32_t lastCode = 191;
     return code >= 0 && code <= lastCode
                ? SvxStringGetFromTable(genreTable, static_cast<std::int16_t>(code + 1))
                : nullptr;

@@ -21,6 +21,7 @@ namespace sonarin {
 namespace {
 
 constexpr std::uint32_t tagHeaderSize = 10;
+constexpr std::uint32_t frameHeaderSize = 10; ///< since version 3
 
 /// A tag's header (ID3v2.4, section 3.1).
 struct TagHeader {
@@ -111,15 +112,13 @@ class FramesByStandard final : public FrameReading {
 public:
     /// `end` is the tag's, in the cache's positions.
     FramesByStandard(audioTags* record, rcCacheRec* cache, const TagHeader& header, std::uint64_t end,
-                     bool isStoredAsIs, Pictures pictures)
-        : record_(record), cache_(cache), header_(header), end_(end), isStoredAsIs_(isStoredAsIs),
-          pictures_(pictures) {}
+                     Pictures pictures)
+        : record_(record), cache_(cache), header_(header), end_(end), pictures_(pictures) {}
 
     /// A frame that goes beyond the tag's end is none.
     [[nodiscard]] std::optional<std::uint32_t> sizeOf(const Frame& frame) override {
         const std::uint32_t size = header_.version == 4 ? sizeInVersion4(frame) : frame.size;
-        const bool fits = frame.dataPosition <= end_ && size <= end_ - frame.dataPosition;
-        return fits ? std::optional(size) : std::nullopt;
+        return isInTag(frame, size) ? std::optional(size) : std::nullopt;
     }
 
     void take(const FrameRule& rule, const Frame& frame) override {
@@ -136,7 +135,7 @@ public:
             }
         }
         if (!form.isCompressed && !form.isUnsynchronised) {
-            read(rule, content, isStoredAsIs_);
+            read(rule, content);
             return;
         }
         ByteBlock bytes =
@@ -144,41 +143,75 @@ public:
         if (bytes) {
             rcCacheRec memory;
             rcOpenMemory(&memory, std::move(bytes));
-            read(rule, {&memory, 0, static_cast<std::uint32_t>(memory.eof)}, false);
+            read(rule, {&memory, 0, static_cast<std::uint32_t>(memory.eof)});
         }
     }
 
 private:
-    /// Sizes have seven bits a byte, but well-known writers put plain numbers there: the one is right behind
-    /// which the tag goes on, or ends.
+    /// Sizes have seven bits a byte, but well-known writers put plain numbers there. What the first size that
+    /// may be either is, all are.
     [[nodiscard]] std::uint32_t sizeInVersion4(const Frame& frame) {
-        constexpr std::uint32_t topBits = 0x80808080;
-        if (frame.size < 0x80 || (frame.size & topBits) != 0) {
-            return frame.size;
+        const bool mayBeEither = frame.size >= 0x80 && hasSevenBits(frame.size) && isInTag(frame, frame.size);
+        if (mayBeEither && !arePlain_) {
+            arePlain_ = !endsWell(frame, false) && endsWell(frame, true);
         }
-        const std::uint32_t size = ((frame.size & 0x7F000000U) >> 3U) | ((frame.size & 0x7F0000U) >> 2U) |
-                                   ((frame.size & 0x7F00U) >> 1U) | (frame.size & 0x7FU);
-        const bool isPossibleAsPlain = frame.size <= end_ - std::min(end_, frame.dataPosition);
-        return !isPossibleAsPlain || goesOnBehind(frame, size) || !goesOnBehind(frame, frame.size)
-                   ? size
-                   : frame.size;
+        return decodeSize(frame, arePlain_.value_or(false));
     }
 
-    [[nodiscard]] bool goesOnBehind(const Frame& frame, std::uint32_t size) {
-        const std::uint64_t next = frame.dataPosition + size;
-        if (next >= end_) {
-            return next == end_;
+    static bool hasSevenBits(std::uint32_t size) { return (size & 0x80808080U) == 0; }
+
+    static std::uint32_t decodeSize(const Frame& frame, bool isPlain) {
+        if (isPlain || !hasSevenBits(frame.size)) {
+            return frame.size;
         }
-        std::array<std::uint8_t, 4> id{};
-        const auto known = static_cast<std::uint32_t>(std::min<std::uint64_t>(id.size(), end_ - next));
-        // Past the buffer, which holds the frame that is to be read first.
-        if (rcReadPastCache(cache_, next, known, id.data()) != fileNoErr) {
-            return false;
+        return ((frame.size & 0x7F000000U) >> 3U) | ((frame.size & 0x7F0000U) >> 2U) |
+               ((frame.size & 0x7F00U) >> 1U) | (frame.size & 0x7FU);
+    }
+
+    [[nodiscard]] bool isInTag(const Frame& frame, std::uint32_t size) const {
+        return frame.dataPosition <= end_ && size <= end_ - frame.dataPosition;
+    }
+
+    /// Whether the frames from that one on end with the tag, or with zero bytes up to its end.
+    [[nodiscard]] bool endsWell(Frame frame, bool isPlain) const {
+        for (;;) {
+            const std::uint32_t size = decodeSize(frame, isPlain);
+            if (!isInTag(frame, size)) {
+                return false;
+            }
+            const std::uint64_t next = frame.dataPosition + size;
+            std::array<std::uint8_t, frameHeaderSize> header{};
+            if (end_ - next < header.size()) {
+                return isZeroFrom(next);
+            }
+            if (rcReadFromCache(cache_, next, header.size(), header.data()) != fileNoErr) {
+                return false;
+            }
+            if (bigEndian32(header) == 0) {
+                return isZeroFrom(next);
+            }
+            if (!std::all_of(header.begin(), header.begin() + 4, mayBeInId)) {
+                return false;
+            }
+            frame = {0, bigEndian32(header, 4), 0, next + header.size()};
         }
-        const bool isPadding = bigEndian32(id) == 0;
-        return isPadding || std::all_of(id.begin(), id.end(), [](std::uint8_t byte) {
-                   return (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
-               });
+    }
+
+    static bool mayBeInId(std::uint8_t byte) {
+        return (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+    }
+
+    [[nodiscard]] bool isZeroFrom(std::uint64_t position) const {
+        while (position < end_) {
+            const ByteView bytes = rcBytesInCache(cache_, position, 1);
+            const std::uint64_t count = std::min<std::uint64_t>(bytes.size(), end_ - position);
+            if (count == 0 || !std::all_of(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count),
+                                           [](std::uint8_t byte) { return byte == 0; })) {
+                return false;
+            }
+            position += count;
+        }
+        return true;
     }
 
     /// The content's bytes as they were before they were stored; empty when they cannot be had.
@@ -194,15 +227,14 @@ private:
         if (!form.isCompressed) {
             return bytes;
         }
-        if (length > inflatable_) {
+        if (length > inflatable_ || !id3MayInflate(bytes.size(), length)) {
             return {};
         }
         inflatable_ -= length;
         return id3Inflate(bytes.view(), length);
     }
 
-    /// `isAsInFile` when the content's place is one in the file.
-    void read(const FrameRule& rule, FrameContent content, bool isAsInFile) {
+    void read(const FrameRule& rule, FrameContent content) {
         const std::uint8_t encoding = content.takeByte();
         switch (rule.kind) {
         case FrameKind::text:
@@ -223,7 +255,7 @@ private:
             readYear(rule.kind, firstValue(content, encoding));
             break;
         case FrameKind::picture:
-            readPicture(content, encoding, isAsInFile);
+            readPicture(content, encoding);
             break;
         }
     }
@@ -263,15 +295,16 @@ private:
 
     /// The recording time begins with the year.
     void readYear(FrameKind kind, const SvxStringRef& text) {
-        const auto year = static_cast<std::uint16_t>(SvxStringGetIntValue(text));
-        if (year != 0 &&
+        constexpr std::int32_t last = 9999; // it has four digits
+        const std::int32_t year = SvxStringGetIntValue(text);
+        if (year > 0 && year <= last &&
             (record_->mp3Year == 0 || (kind == FrameKind::recordingTime && !hasRecordingTime_))) {
-            record_->mp3Year = year;
+            record_->mp3Year = static_cast<std::uint16_t>(year);
             hasRecordingTime_ = kind == FrameKind::recordingTime;
         }
     }
 
-    void readPicture(FrameContent content, std::uint8_t encoding, bool isAsInFile) {
+    void readPicture(FrameContent content, std::uint8_t encoding) {
         constexpr std::uint32_t formatSize = 3; // of version 2; later the MIME type
         constexpr std::uint8_t latin1 = 0;
         constexpr std::uint8_t frontCover = 3;
@@ -292,7 +325,7 @@ private:
             }
             record_->mp3CoverArt = std::move(bytes);
         }
-        record_->mp3CoverArtPlace = {isAsInFile ? content.position() : 0, content.size()};
+        record_->mp3CoverArtPlace = {content.position(), content.size()};
         record_->mp3CoverArtType = pictureType(content);
         hasFrontCover_ = isFront;
     }
@@ -303,10 +336,11 @@ private:
     rcCacheRec* cache_;
     const TagHeader& header_;
     std::uint64_t end_;
-    bool isStoredAsIs_;
     Pictures pictures_;
-    /// What is left to inflate: frames that are small in the file may be large in memory, and many.
-    std::size_t inflatable_ = 4 * id3MostInflated;
+    /// What is left to inflate in all frames: those that are small in the file may be large in memory, and
+    /// many.
+    std::size_t inflatable_ = id3MostInflated;
+    std::optional<bool> arePlain_; ///< the sizes, in version 4, once that is known
     bool hasPlainComment_ = false;
     bool hasPlainLyrics_ = false;
     bool hasRecordingTime_ = false;
@@ -355,20 +389,20 @@ std::uint64_t id3ReadTag(audioTags* record, std::uint64_t position, std::uint64_
             end = memory.eof;
         }
         first += extendedHeaderSize(*header, cache, first, end);
-        FramesByStandard reading(record, cache, *header, end, isStoredAsIs, pictures);
+        FramesByStandard reading(record, cache, *header, end, pictures);
         walkFrames(header->layout(), cache, first, end, reading);
     }
     return tagEnd + (header->hasFooter() ? tagHeaderSize : 0);
 }
 
-void id3ReadTagChunk(audioTags* record, rcCacheRec* cache, rcByteOrder sizeOrder,
-                     Pictures pictures) noexcept {
-    ChunkWalk walk(cache, sizeOrder, ChunkPadding::byStandard);
-    for (Chunk chunk; record->mp3TagVersion == 0 && walk.next(&chunk);) {
-        if (chunk.id == fourCC("ID3 ") || chunk.id == fourCC("id3 ")) {
-            const std::uint64_t start = chunk.position + chunkHeaderSize;
-            id3ReadTag(record, start, start + chunk.size, cache, pictures);
-        }
+bool id3IsTagChunk(const Chunk& chunk) noexcept {
+    return chunk.id == fourCC("ID3 ") || chunk.id == fourCC("id3 ");
+}
+
+void id3ReadTagChunk(audioTags* record, const Chunk& chunk, rcCacheRec* cache, Pictures pictures) noexcept {
+    if (record->mp3TagVersion == 0) {
+        const std::uint64_t start = chunk.position + chunkHeaderSize;
+        id3ReadTag(record, start, start + chunk.size, cache, pictures);
     }
 }
 

@@ -20,7 +20,8 @@ namespace sonarin {
 std::uint64_t id3ReadTag(audioTags* record, std::uint64_t position, std::uint64_t limit, rcCacheRec* cache,
                          Pictures pictures) noexcept;
 
-/// Does so for the first "ID3 " or "id3 " chunk of a form that holds a tag.
-void id3ReadTagChunk(audioTags* record, rcCacheRec* cache, rcByteOrder sizeOrder, Pictures pictures) noexcept;
+/// Whether the chunk is named as one that holds a tag, and reading of that tag unless one has been read.
+[[nodiscard]] bool id3IsTagChunk(const Chunk& chunk) noexcept;
+void id3ReadTagChunk(audioTags* record, const Chunk& chunk, rcCacheRec* cache, Pictures pictures) noexcept;
 
 } // namespace sonarin

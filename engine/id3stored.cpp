@@ -15,7 +15,7 @@ bool isUnsynchronised(ByteView bytes) {
     constexpr std::uint8_t goesOn = 0xE0;
     for (auto at = bytes.begin(); (at = std::find(at, bytes.end(), marker)) != bytes.end();) {
         ++at;
-        if (at == bytes.end() || *at >= goesOn) {
+        if (at != bytes.end() && *at >= goesOn) {
             return false;
         }
     }
@@ -40,9 +40,6 @@ void id3Resynchronise(ByteBlock* bytes) noexcept {
 }
 
 ByteBlock id3Inflate(ByteView stored, std::size_t size) noexcept {
-    if (size == 0 || size > id3MostInflated || size > id3MostInflation * stored.size()) {
-        return {};
-    }
     ByteBlock bytes = ByteBlock::allocate(size);
     uLongf inflated = size;
     if (!bytes || uncompress(bytes.data(), &inflated, stored.data(), stored.size()) != Z_OK) {

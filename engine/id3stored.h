@@ -18,8 +18,12 @@ void id3Resynchronise(ByteBlock* bytes) noexcept;
 inline constexpr std::size_t id3MostInflated = std::size_t{64} << 20U;
 inline constexpr std::size_t id3MostInflation = 1000;
 
+[[nodiscard]] constexpr bool id3MayInflate(std::size_t storedSize, std::size_t size) noexcept {
+    return size <= id3MostInflated && size <= id3MostInflation * storedSize;
+}
+
 /// The bytes that were compressed, at most `size` of them. Empty when there are more, or those stored are no
-/// whole zlib stream, or `size` is not to be believed, or memory runs out.
+/// whole zlib stream, or memory runs out.
 [[nodiscard]] ByteBlock id3Inflate(ByteView stored, std::size_t size) noexcept;
 
 } // namespace sonarin

@@ -94,8 +94,16 @@ public:
     TagChunks(audioTags* record, rcCacheRec* cache, const ReadOptions& options)
         : record_(record), cache_(cache), options_(options), mostWork_(workPerByte * cache->eof + slack) {}
 
+    [[nodiscard]] bool isOne(const Chunk& chunk) const {
+        return isUsual() ? chunk.id == fourCC("ID3 ") : id3IsTagChunk(chunk);
+    }
+
     void take(const Chunk& chunk) {
         if (record_ == nullptr || cache_->work > mostWork_) {
+            return;
+        }
+        if (!isUsual()) {
+            id3ReadTagChunk(record_, chunk, cache_, options_.pictures);
             return;
         }
         std::uint64_t position = chunk.position + chunkHeaderSize;
@@ -103,6 +111,8 @@ public:
     }
 
 private:
+    [[nodiscard]] bool isUsual() const { return options_.tags == TagReading::usual; }
+
     /// A text is gone through up to four times before its encoding is known, and one that is just longer than
     /// the read buffer fills that twice each time.
     static constexpr std::uint64_t workPerByte = 16;
@@ -122,19 +132,15 @@ bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* recor
         *info = {};
     }
     CachedFile file(path, options.progress);
-    ChunkWalk walk(file.cache(), rcByteOrderBig);
+    ChunkWalk walk(file.cache(), rcByteOrderBig, paddingFor(options.tags));
     if (!file || !walk.readForm() || walk.formId() != fourCC("FORM") ||
         (walk.formType() != fourCC("AIFF") && walk.formType() != fourCC("AIFC"))) {
         return false;
     }
-    const bool isUsual = options.tags == TagReading::usual;
-    if (!isUsual && record != nullptr) {
-        id3ReadTagChunk(record, file.cache(), rcByteOrderBig, options.pictures);
-    }
     TagChunks tags(record, file.cache(), options);
     bool commFound = false;
     for (Chunk chunk; walk.next(&chunk);) {
-        if (chunk.id == fourCC("ID3 ") && isUsual) {
+        if (tags.isOne(chunk)) {
             tags.take(chunk);
         } else if (chunk.id == fourCC("COMM")) {
             CommonChunk common;

@@ -103,24 +103,32 @@ bool readInfo(rcCacheRec* cache, ChunkWalk walk, miAudioInfo* info) {
     return false;
 }
 
+void readTags(rcCacheRec* cache, ChunkWalk walk, audioTags* record, Pictures pictures) {
+    for (Chunk chunk; walk.next(&chunk);) {
+        if (id3IsTagChunk(chunk)) {
+            id3ReadTagChunk(record, chunk, cache, pictures);
+        }
+    }
+}
+
 } // namespace
 
 bool miGetWAVInfo(const SvxStringRef& path, miAudioInfo* info, const ReadOptions& options) noexcept {
     *info = {};
     CachedFile file(path, options.progress);
-    ChunkWalk walk(file.cache(), rcByteOrderLittle);
+    ChunkWalk walk(file.cache(), rcByteOrderLittle, paddingFor(options.tags));
     return file && readsAsWave(&walk) && readInfo(file.cache(), walk, info);
 }
 
 bool waveGetFileInfo(const SvxStringRef& path, audioTags* record, const ReadOptions& options) noexcept {
     miAudioInfo info;
     CachedFile file(path, options.progress);
-    ChunkWalk walk(file.cache(), rcByteOrderLittle);
+    ChunkWalk walk(file.cache(), rcByteOrderLittle, paddingFor(options.tags));
     const bool isWave = file && readsAsWave(&walk);
     const bool isRead = isWave && readInfo(file.cache(), walk, &info);
     miStoreInfo(info, record);
     if (isWave && options.tags == TagReading::byStandard) {
-        id3ReadTagChunk(record, file.cache(), rcByteOrderLittle, options.pictures);
+        readTags(file.cache(), walk, record, options.pictures);
     }
     return isRead;
 }

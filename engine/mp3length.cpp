@@ -32,10 +32,11 @@ HeaderBytes headerAt(rcCacheRec* cache, std::uint64_t position) {
     return bytes;
 }
 
-/// The encoders that write the extension: LAME, and those that took it over.
+/// The encoders that write the extension: LAME from 3.90 to 3.100, and those that took it over.
 bool hasExtension(ByteView bytes) {
     switch (bigEndian32(bytes)) {
     case fourCC("LAME"):
+        return bytes[6] == '9' || bytes[6] == '1';
     case fourCC("L3.9"):
     case fourCC("Lavf"):
     case fourCC("Lavc"):
@@ -92,6 +93,7 @@ std::optional<StreamLength> vbriLength(ByteView bytes) {
 void mp3StoreLength(rcCacheRec* cache, std::uint64_t frame, const MpegFrameHeader& header,
                     audioTags* record) noexcept {
     constexpr std::uint32_t vbriDistance = 36;
+    constexpr double largest = 4294967295.0;
     std::optional<StreamLength> length = xingLength(headerAt(cache, frame + xingDistance(header)));
     if (!length) {
         length = vbriLength(headerAt(cache, frame + vbriDistance));
@@ -105,8 +107,9 @@ void mp3StoreLength(rcCacheRec* cache, std::uint64_t frame, const MpegFrameHeade
     record->mp3HasVBR = length->isVariable ? 1 : 0;
     if (length->isVariable) {
         const std::uint64_t bytes = length->bytes != 0 ? length->bytes : cache->eof - frame;
-        record->mp3BitRate = static_cast<std::uint32_t>(std::lround(
-            static_cast<double>(bytes) * 8 * header.samplingRate / static_cast<double>(all) / 1000));
+        const double kilobits =
+            static_cast<double>(bytes) * 8 * header.samplingRate / static_cast<double>(all) / 1000;
+        record->mp3BitRate = static_cast<std::uint32_t>(std::min(std::round(kilobits), largest));
     }
 }
 

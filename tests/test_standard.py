@@ -136,7 +136,7 @@ class Tags(Folder):
 
     def test_by_hand(self):
         def grouped(tag):
-            tag.add(b"TIT2", b"\0\0not me", 0x20 if tag.version == 3 else 0x40)
+            tag.add(b"TIT2", b"\0not me", 0x20 if tag.version == 3 else 0x40)
 
         def compressed(data):
             return struct.pack(">I", len(data)) + zlib.compress(data)

@@ -18,7 +18,9 @@ const StringBundle* initStringBundle(const char* bundleIdentifier) noexcept {
     return gCFBundleRef;
 }
 
-SvxStringRef iuGetIndCFString(std::int16_t table, std::int16_t index) noexcept {
+namespace {
+
+SvxStringRef textIn(const StringBundle* bundle, std::int16_t table, std::int16_t index) {
     const std::string_view start = "STR#";
     std::array<char, 32> key{}; // two 16-bit numbers leave room to spare
     char* at = std::copy(start.begin(), start.end(), key.data());
@@ -26,12 +28,25 @@ SvxStringRef iuGetIndCFString(std::int16_t table, std::int16_t index) noexcept {
     *at++ = ':';
     at = std::to_chars(at, at + 8, index).ptr;
     const std::string_view name(key.data(), static_cast<std::size_t>(at - key.data()));
-    return gCFBundleRef != nullptr ? gCFBundleRef->localizedString(name, "Localizable")
-                                   : SvxStringFromCString(name);
+    return bundle != nullptr ? bundle->localizedString(name, "Localizable") : SvxStringFromCString(name);
+}
+
+} // namespace
+
+SvxStringRef iuGetIndCFString(std::int16_t table, std::int16_t index) noexcept {
+    return textIn(gCFBundleRef, table, index);
 }
 
 SvxStringRef SvxStringGetFromTable(std::int16_t table, std::int16_t index) noexcept {
     return iuGetIndCFString(table, index);
+}
+
+SvxStringRef SvxStringGetFromEnglishTable(std::int16_t table, std::int16_t index) noexcept {
+    if (gCFBundleRef == nullptr) {
+        return textIn(nullptr, table, index);
+    }
+    static const StringBundle english(gCFBundleRef->folder(), "en");
+    return textIn(&english, table, index);
 }
 
 void utMakeHFSStringFromCFString(const SvxStringRef& text, HFSUniStr255* name) noexcept {

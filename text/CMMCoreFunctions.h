@@ -23,6 +23,9 @@ const StringBundle* initStringBundle(const char* bundleIdentifier) noexcept;
 /// The same under the name that the engine uses.
 [[nodiscard]] SvxStringRef SvxStringGetFromTable(std::int16_t table, std::int16_t index) noexcept;
 
+/// The same in English, whatever the user's language.
+[[nodiscard]] SvxStringRef SvxStringGetFromEnglishTable(std::int16_t table, std::int16_t index) noexcept;
+
 /// A file name in the form of an HFS Unicode name: at most 255 UTF-16 code units.
 struct HFSUniStr255 {
     std::uint16_t length = 0;

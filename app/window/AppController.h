@@ -229,7 +229,7 @@ private:
     void showReading();
     void showRead();
     void showUnread();
-    void lookForHiddenTexts(const std::shared_ptr<const FileReading>& reading);
+    void lookForHiddenTexts(const FileReading& reading);
     void showName(const QString& path);
     void showIcon(const FileIcon& wanted);
     void clearFacts();

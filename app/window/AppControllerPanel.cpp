@@ -235,16 +235,16 @@ void AppController::showRead() {
     }
     finishUpdate();
     if (isFileRead_ && reading->tags == TagReading::usual && mayHideTexts(currentItemType, currentItem)) {
-        lookForHiddenTexts(reading);
+        lookForHiddenTexts(*reading);
     }
 }
 
 /// Beside the window as well, and once the file is shown: nobody waits for it.
-void AppController::lookForHiddenTexts(const std::shared_ptr<const FileReading>& reading) {
+void AppController::lookForHiddenTexts(const FileReading& reading) {
     const auto progress = std::make_shared<ReadProgress>();
     const auto isFound = std::make_shared<bool>(false);
-    const auto look = [reading, progress, isFound, shown = textsIn(currentItem)] {
-        *isFound = hidesTexts(reading->text, shown, progress.get());
+    const auto look = [text = reading.text, progress, isFound, shown = textsIn(currentItem)] {
+        *isFound = hidesTexts(text, shown, progress.get());
     };
     const auto tell = [this, progress, isFound] {
         if (*isFound && progress == hiddenTexts_) {
@@ -253,7 +253,7 @@ void AppController::lookForHiddenTexts(const std::shared_ptr<const FileReading>&
         }
     };
     hiddenTexts_ = progress;
-    hiddenTextsJob_ = sideWork_.start(reading->hostPath.path, look, tell);
+    hiddenTextsJob_ = sideWork_.start(reading.hostPath.path, look, tell);
 }
 
 /// The theme may be on a disk that is slower than the file's.
