@@ -45,6 +45,10 @@ Genre referredGenre(const SvxStringRef& reference) {
                        SvxStringGetFromEnglishTable(genreTable, static_cast<std::int16_t>(code + 1))};
 }
 
+bool isSameName(const SvxStringRef& a, const SvxStringRef& b) {
+    return SvxStringGetLength(a) == SvxStringGetLength(b) && SvxStringBeginsWith(a, b, false);
+}
+
 /// Takes the values of a content type frame apart.
 class GenreList {
 public:
@@ -67,8 +71,19 @@ private:
         return SvxStringCreateWithSubstring(content_, start, end - start);
     }
 
-    void addValue(SvxIndex start, SvxIndex end) {
+    [[nodiscard]] SvxIndex behindBlanks(SvxIndex position, SvxIndex end) const {
+        while (position < end && SvxStringGetUniChar(content_, position) == u' ') {
+            ++position;
+        }
+        return position;
+    }
+
+    void addValue(SvxIndex valueStart, SvxIndex end) {
         const std::size_t before = count_;
+        const SvxIndex start = behindBlanks(valueStart, end);
+        while (end > start && SvxStringGetUniChar(content_, end - 1) == u' ') {
+            --end;
+        }
         SvxIndex position = start;
         while (position < end && SvxStringGetUniChar(content_, position) == u'(') {
             const SvxIndex close = SvxStringFindUnit(content_, ')', position, end);
@@ -77,7 +92,7 @@ private:
                 break;
             }
             add(genre);
-            position = close + 1;
+            position = behindBlanks(close + 1, end);
         }
         // A name that begins with a parenthesis has it twice.
         const bool isEscaped = position + 1 < end && SvxStringGetUniChar(content_, position) == u'(' &&
@@ -86,7 +101,7 @@ private:
         const Genre genre = position == start ? referredGenre(rest) : Genre();
         const bool isRepeated =
             std::any_of(genres_.begin() + before, genres_.begin() + count_, [&](const Genre& known) {
-                return SvxStringIsEqual(known.name, rest) || SvxStringIsEqual(known.written, rest);
+                return isSameName(known.name, rest) || isSameName(known.written, rest);
             });
         if (!isRepeated) {
             add(genre.name ? genre : Genre{rest, rest});

@@ -38,12 +38,11 @@ struct TagHeader {
     [[nodiscard]] const FrameLayout& layout() const { return version == 2 ? version2Layout : version3Layout; }
 };
 
-/// Nothing where there is no tag.
-std::optional<TagHeader> decodeTagHeader(ByteView bytes) {
+/// Nothing where there is no tag, whose header begins with "ID3" and whose footer with "3DI".
+std::optional<TagHeader> decodeTagHeader(ByteView bytes, std::uint32_t paddedMark = fourCC("ID3 ")) {
     constexpr std::uint8_t highestVersion = 0xFE;
     const ByteView size = bytes.subspan(6, 4);
-    if (bigEndian24(bytes) != (fourCC("ID3 ") >> 8U) || bytes[3] > highestVersion ||
-        bytes[4] > highestVersion ||
+    if (bigEndian24(bytes) != (paddedMark >> 8U) || bytes[3] > highestVersion || bytes[4] > highestVersion ||
         std::any_of(size.begin(), size.end(), [](std::uint8_t byte) { return byte > 0x7F; })) {
         return std::nullopt;
     }
@@ -148,14 +147,19 @@ public:
     }
 
 private:
-    /// Sizes have seven bits a byte, but well-known writers put plain numbers there. What the first size that
-    /// may be either is, all are.
+    /// Sizes have seven bits a byte, but well-known writers put plain numbers there. What the first size of
+    /// 128 and more is, all are.
     [[nodiscard]] std::uint32_t sizeInVersion4(const Frame& frame) {
-        const bool mayBeEither = frame.size >= 0x80 && hasSevenBits(frame.size) && isInTag(frame, frame.size);
-        if (mayBeEither && !arePlain_) {
-            arePlain_ = !endsWell(frame, false) && endsWell(frame, true);
+        if (!arePlain_ && frame.size >= 0x80 && isInTag(frame, frame.size)) {
+            arePlain_ = !hasSevenBits(frame.size) || fitsPlainBetter(frame);
         }
         return decodeSize(frame, arePlain_.value_or(false));
+    }
+
+    [[nodiscard]] bool fitsPlainBetter(const Frame& frame) const {
+        const Fit asWritten = fitOf(frame, false);
+        const Fit plain = fitOf(frame, true);
+        return !asWritten.endsWell && (plain.endsWell || plain.frames > asWritten.frames);
     }
 
     static bool hasSevenBits(std::uint32_t size) { return (size & 0x80808080U) == 0; }
@@ -172,33 +176,46 @@ private:
         return frame.dataPosition <= end_ && size <= end_ - frame.dataPosition;
     }
 
-    /// Whether the frames from that one on end with the tag, or with zero bytes up to its end.
-    [[nodiscard]] bool endsWell(Frame frame, bool isPlain) const {
-        for (;;) {
+    /// What comes of taking sizes for one kind.
+    struct Fit {
+        std::size_t frames = 0; ///< that follow one another, besides the first
+        bool endsWell = false;  ///< with the tag, or with zero bytes up to its end
+    };
+
+    [[nodiscard]] Fit fitOf(Frame frame, bool isPlain) const {
+        Fit fit;
+        for (;; ++fit.frames) {
             const std::uint32_t size = decodeSize(frame, isPlain);
             if (!isInTag(frame, size)) {
-                return false;
+                return fit;
             }
             const std::uint64_t next = frame.dataPosition + size;
             std::array<std::uint8_t, frameHeaderSize> header{};
             if (end_ - next < header.size()) {
-                return isZeroFrom(next);
+                fit.endsWell = isZeroFrom(next);
+                return fit;
             }
             if (rcReadFromCache(cache_, next, header.size(), header.data()) != fileNoErr) {
-                return false;
+                return fit;
             }
             if (bigEndian32(header) == 0) {
-                return isZeroFrom(next);
+                fit.endsWell = isZeroFrom(next);
+                return fit;
             }
-            if (!std::all_of(header.begin(), header.begin() + 4, mayBeInId)) {
-                return false;
+            if (!mayBeId(header)) {
+                return fit;
             }
             frame = {0, bigEndian32(header, 4), 0, next + header.size()};
         }
     }
 
-    static bool mayBeInId(std::uint8_t byte) {
-        return (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+    /// Some writers take ids of version 2 over, with a zero byte or a blank in fourth place.
+    static bool mayBeId(ByteView header) {
+        const auto mayBeIn = [](std::uint8_t byte) {
+            return (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+        };
+        return std::all_of(header.begin(), header.begin() + 3, mayBeIn) &&
+               (mayBeIn(header[3]) || header[3] == '\0' || header[3] == ' ');
     }
 
     [[nodiscard]] bool isZeroFrom(std::uint64_t position) const {
@@ -227,11 +244,8 @@ private:
         if (!form.isCompressed) {
             return bytes;
         }
-        if (length > inflatable_ || !id3MayInflate(bytes.size(), length)) {
-            return {};
-        }
-        inflatable_ -= length;
-        return id3Inflate(bytes.view(), length);
+        return id3MayInflate(bytes.size(), length) ? id3Inflate(bytes.view(), length, &inflatable_)
+                                                   : ByteBlock();
     }
 
     void read(const FrameRule& rule, FrameContent content) {
@@ -247,8 +261,9 @@ private:
             readRemark(&(record_->*rule.field), content, encoding);
             break;
         case FrameKind::track:
-            mp3DecodeTrackInfo(firstValue(content, encoding), &record_->mp3TheTrack,
-                               &record_->mp3TrackAmount);
+            if (const SvxStringRef text = firstValue(content, encoding)) {
+                mp3DecodeTrackInfo(text, &record_->mp3TheTrack, &record_->mp3TrackAmount);
+            }
             break;
         case FrameKind::year:
         case FrameKind::recordingTime:
@@ -295,11 +310,10 @@ private:
 
     /// The recording time begins with the year.
     void readYear(FrameKind kind, const SvxStringRef& text) {
-        constexpr std::int32_t last = 9999; // it has four digits
-        const std::int32_t year = SvxStringGetIntValue(text);
-        if (year > 0 && year <= last &&
+        const std::uint16_t year = id3Year(text);
+        if (year != 0 &&
             (record_->mp3Year == 0 || (kind == FrameKind::recordingTime && !hasRecordingTime_))) {
-            record_->mp3Year = static_cast<std::uint16_t>(year);
+            record_->mp3Year = year;
             hasRecordingTime_ = kind == FrameKind::recordingTime;
         }
     }
@@ -337,9 +351,9 @@ private:
     const TagHeader& header_;
     std::uint64_t end_;
     Pictures pictures_;
-    /// What is left to inflate in all frames: those that are small in the file may be large in memory, and
-    /// many.
-    std::size_t inflatable_ = id3MostInflated;
+    /// What is left to inflate in all frames together: those that are small in the file may be large in
+    /// memory, and many.
+    std::size_t inflatable_ = id3MostInflatedInTag;
     std::optional<bool> arePlain_; ///< the sizes, in version 4, once that is known
     bool hasPlainComment_ = false;
     bool hasPlainLyrics_ = false;
@@ -393,6 +407,32 @@ std::uint64_t id3ReadTag(audioTags* record, std::uint64_t position, std::uint64_
         walkFrames(header->layout(), cache, first, end, reading);
     }
     return tagEnd + (header->hasFooter() ? tagHeaderSize : 0);
+}
+
+void id3ReadAppendedTag(audioTags* record, rcCacheRec* cache, Pictures pictures) noexcept {
+    constexpr std::uint64_t id3v1Size = 128;
+    for (const std::uint64_t behind : {std::uint64_t{0}, id3v1Size}) {
+        std::array<std::uint8_t, tagHeaderSize> bytes{};
+        if (cache->eof < behind + bytes.size()) {
+            return;
+        }
+        const std::uint64_t end = cache->eof - behind;
+        if (rcReadFromCache(cache, end - bytes.size(), bytes.size(), bytes.data()) != fileNoErr) {
+            return;
+        }
+        const std::optional<TagHeader> footer = decodeTagHeader(bytes, fourCC("3DI "));
+        const std::uint64_t size = footer ? tagHeaderSize + std::uint64_t{footer->size} + tagHeaderSize : 0;
+        if (footer && size <= end) {
+            id3ReadTag(record, end - size, end - tagHeaderSize, cache, pictures);
+            return;
+        }
+    }
+}
+
+std::uint16_t id3Year(const SvxStringRef& text) noexcept {
+    constexpr std::int32_t last = 9999;
+    const std::int32_t year = SvxStringGetIntValue(text);
+    return year > 0 && year <= last ? static_cast<std::uint16_t>(year) : 0;
 }
 
 bool id3IsTagChunk(const Chunk& chunk) noexcept {

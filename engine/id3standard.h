@@ -20,6 +20,13 @@ namespace sonarin {
 std::uint64_t id3ReadTag(audioTags* record, std::uint64_t position, std::uint64_t limit, rcCacheRec* cache,
                          Pictures pictures) noexcept;
 
+/// Fills the record from the tag that stands with its footer at the file's end, or before an ID3v1 block
+/// there (ID3v2.4, section 5), if one does.
+void id3ReadAppendedTag(audioTags* record, rcCacheRec* cache, Pictures pictures) noexcept;
+
+/// The year with which a text begins; 0 for what is none of one to four digits.
+[[nodiscard]] std::uint16_t id3Year(const SvxStringRef& text) noexcept;
+
 /// Whether the chunk is named as one that holds a tag, and reading of that tag unless one has been read.
 [[nodiscard]] bool id3IsTagChunk(const Chunk& chunk) noexcept;
 void id3ReadTagChunk(audioTags* record, const Chunk& chunk, rcCacheRec* cache, Pictures pictures) noexcept;

@@ -39,10 +39,15 @@ void id3Resynchronise(ByteBlock* bytes) noexcept {
     bytes->truncate(static_cast<std::size_t>(out - bytes->data()));
 }
 
-ByteBlock id3Inflate(ByteView stored, std::size_t size) noexcept {
-    ByteBlock bytes = ByteBlock::allocate(size);
+ByteBlock id3Inflate(ByteView stored, std::size_t size, std::size_t* budget) noexcept {
+    ByteBlock bytes = size <= *budget ? ByteBlock::allocate(size) : ByteBlock();
+    if (!bytes) {
+        return {};
+    }
     uLongf inflated = size;
-    if (!bytes || uncompress(bytes.data(), &inflated, stored.data(), stored.size()) != Z_OK) {
+    const int result = uncompress(bytes.data(), &inflated, stored.data(), stored.size());
+    *budget -= inflated;
+    if (result != Z_OK) {
         return {};
     }
     bytes.truncate(inflated);

@@ -22,8 +22,12 @@ inline constexpr std::size_t id3MostInflation = 1000;
     return size <= id3MostInflated && size <= id3MostInflation * storedSize;
 }
 
+/// All frames of one tag together become at most so large: many small ones would take long.
+inline constexpr std::size_t id3MostInflatedInTag = 4 * id3MostInflated;
+
 /// The bytes that were compressed, at most `size` of them. Empty when there are more, or those stored are no
-/// whole zlib stream, or memory runs out.
-[[nodiscard]] ByteBlock id3Inflate(ByteView stored, std::size_t size) noexcept;
+/// whole zlib stream, or `*budget` is smaller than `size`, or memory runs out. What comes out of the stream,
+/// to whatever end, is taken from `*budget`.
+[[nodiscard]] ByteBlock id3Inflate(ByteView stored, std::size_t size, std::size_t* budget) noexcept;
 
 } // namespace sonarin

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "engine/fileEngine.h"
 #include "engine/id3genres.h"
+#include "engine/id3standard.h"
 #include "engine/mp3tags.h"
 #include "text/stringEngine.h"
 
@@ -61,7 +62,7 @@ public:
             record_->mp3TheTrack = block_[126];
         }
         if (record_->mp3Year == 0) {
-            record_->mp3Year = static_cast<std::uint16_t>(SvxStringGetIntValue(text(93, 4)));
+            record_->mp3Year = id3Year(text(93, 4));
         }
         if (!record_->mp3Genre2String) {
             record_->mp3Genre2String = id3GenreName(block_[127]);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "engine/fileEngine.h"
+#include "engine/id3standard.h"
 #include "engine/mp3frame.h"
 #include "engine/mp3length.h"
 #include "engine/mp3tags.h"
@@ -106,6 +107,9 @@ std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record,
     storeFrameFacts(*header, size - position, record);
     if (options.tags == TagReading::byStandard) {
         mp3StoreLength(cache, position, *header, record);
+        if (record->mp3TagVersion == 0) {
+            id3ReadAppendedTag(record, cache, options.pictures);
+        }
     } else {
         const std::uint64_t xingPosition = position + xingDistance(*header);
         const std::uint32_t frames = xingFrameCount(cache, xingPosition);

@@ -132,6 +132,11 @@ TEST(ByStandard, ChoosesRemarksYearsAndPictures) {
     }
     const audioTags track = readTag(id3Tag(frame("TRCK", "\3" + bytes("3/12\0009")), 16, 4)).record;
     EXPECT_EQ(std::tuple(track.mp3TheTrack, track.mp3TrackAmount), std::tuple(3, 12));
+    EXPECT_EQ(
+        readTag(id3Tag(frame("TRCK", bytes("\0003")) + frame("TRCK", "\0117") + frame("TRCK", bytes("\0")),
+                       16, 4))
+            .record.mp3TheTrack,
+        3);
 
     struct Case {
         std::string frames, picture;
@@ -175,6 +180,15 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
         loud += "LOUD";
     }
     EXPECT_EQ(titleOf(id3Tag(id3Frame("TPE1", loud.substr(0, 0x140)) + title, 90, 4)), "Title");
+    // Those of a tag that does not end as it should.
+    for (const std::string& rest :
+         {id3Frame("TS2 ", "x"), id3Frame(bytes("TCP\0"), "x"), bytes("PRIV\0\0\7\7\0\0abc"),
+          std::string("junk"), std::string(50, '\0') + "junk"}) {
+        EXPECT_EQ(titleOf(id3Tag(id3Frame("TXXX", longText) + title + rest, 60, 4)), "Title");
+        EXPECT_EQ(titleOf(id3Tag(frame("TXXX", longText) + title + rest, 60, 4)), "Title");
+        const std::string certain = id3Frame("TXXX", std::string(200, 'x'));
+        EXPECT_EQ(titleOf(id3Tag(certain + id3Frame("TXXX", longText) + title + rest, 60, 4)), "Title");
+    }
     EXPECT_EQ(titleOf(id3Tag(bytes("TXXX\0\0\0\0\0\0") + title)), "Title"); // an empty frame
     EXPECT_EQ(titleOf(id3Tag(std::string(10, '\0') + title)), "(absent)");
     // Nothing is looked for behind the tag's end, or the chunk's; a frame that goes beyond it is none.
@@ -238,7 +252,17 @@ TEST(ByStandard, UndoesWhatWasDoneForStoring) {
     EXPECT_FALSE(id3MayInflate(10, 10001));
     EXPECT_TRUE(id3MayInflate(100000, std::size_t{64} << 20U));
     EXPECT_FALSE(id3MayInflate(100000, (std::size_t{64} << 20U) + 1));
-    // Frames that lie about themselves take nothing from those that do not.
+    // Frames that lie about themselves take nothing from those that do not, and a tag has its limit.
+    std::size_t budget = 12000;
+    const std::string stored = compressed(content, 5001, true).substr(4);
+    const ByteView view(reinterpret_cast<const std::uint8_t*>(stored.data()),
+                        stored.size()); // NOLINT(*-reinterpret-cast)
+    EXPECT_FALSE(id3Inflate(view.subspan(2), 5001, &budget));
+    EXPECT_EQ(budget, 12000U);
+    EXPECT_FALSE(id3Inflate(view, 4000, &budget));
+    EXPECT_EQ(budget, 8000U);
+    EXPECT_EQ(id3Inflate(view, 6000, &budget).size(), 5001U);
+    EXPECT_FALSE(id3Inflate(view, 5001, &budget));
     const std::string liar = frame("APIC", frame("xxxx", std::string(100, ' ')).substr(4, 4) + "junk", 9);
     std::string liars;
     for (const char* size : {"\x1F\x7F\x7F\x7F", "\x20", "\x1F\x7F\x7F\x7F"}) {
@@ -274,6 +298,9 @@ TEST(ByStandard, NamesGenresInAllSyntaxes) {
                                            {"()", "()"},
                                            {"0017", "0017"},
                                            {"Rock/Pop", "Rock/Pop"},
+                                           {" 17 ", "Rock"},
+                                           {"(17) rock ", "Rock"},
+                                           {"(17) Rocks", "Rock / Rocks"},
                                            {bytes("\0\0"), "(absent)"}}) {
         EXPECT_EQ(plain(id3GenreNames(SvxStringFromLatin1(c.content))), c.expected) << c.content;
     }
@@ -320,6 +347,22 @@ TEST(ByStandard, FindsTagsInChunks) {
                      .record.mp3SongTitleString);
 }
 
+TEST(ByStandard, FindsTheTagAtTheEnd) {
+    const std::string frames = frame("TIT2", bytes("\0End"));
+    const std::string footer = id3Tag(frames, 0, 4, 0x10).substr(0, 10).replace(0, 3, "3DI");
+    const std::string appended = id3Tag(frames, 0, 4, 0x10) + footer;
+    const std::string block = "TAG" + std::string(125, '\0');
+    const std::string sound = sample::mpegAudio(500);
+    const auto title = [](const std::string& content) {
+        return plain(readByStandard("x.mp3", content).record.mp3SongTitleString);
+    };
+    EXPECT_EQ(title(sound + appended), "End");
+    EXPECT_EQ(title(sound + appended + block), "End");
+    EXPECT_EQ(title(sound + footer.substr(0, 6) + "\x7F\x7F\x7F\x7F"), "(absent)");
+    EXPECT_EQ(title(id3Tag(frame("TPE1", bytes("\0A")), 0, 4) + sound + appended),
+              "(absent)"); // the first one has it
+}
+
 TEST(ByStandard, TakesFromID3v1WhatIsMissing) {
     const std::string block = "TAG" + sample::padded(bytes("Caf\xE9\0no"), 30) +
                               sample::padded("Artist", 30, ' ') + std::string(30, '\0') + "1999" +
@@ -332,6 +375,9 @@ TEST(ByStandard, TakesFromID3v1WhatIsMissing) {
     EXPECT_EQ(plain(alone.mp3Genre2String), "Indie");
     EXPECT_EQ(std::tuple(alone.mp3TagVersion, alone.mp3Year, alone.mp3TheTrack), std::tuple(1, 1999, 7));
 
+    EXPECT_EQ(readByStandard("x.mp3", sample::mpegAudio(500) + std::string(block).replace(93, 4, "-12 "))
+                  .record.mp3Year,
+              0);
     const std::string tag = id3Tag(frame("TIT2", bytes("\0T")) + frame("TRCK", bytes("\0001")) +
                                    frame("TYER", bytes("\0002000")) + frame("TCON", bytes("\0x")));
     const audioTags both = readByStandard("x.mp3", tag + sample::mpegAudio(500) + block).record;
@@ -388,11 +434,17 @@ TEST(HiddenTexts, AreThoseThatOnlyTheStandardsGive) {
         bool hides;
     };
     TestFolder folder;
-    for (const Case& c : std::vector<Case>{{frame("TIT2", bytes("\0plain")), 4, false},
-                                           {frame("TIT2", bytes("\0Caf\xE9")), 3, true},
-                                           {frame("TDRC", bytes("\0002004")), 4, true},
-                                           {frame("COMM", bytes("\0engiTunNORM\0 0")), 3, false},
-                                           {frame("USLT", bytes("\3xxx\0l\xC3\xA9")), 4, true}}) {
+    for (const Case& c :
+         std::vector<Case>{{frame("TIT2", bytes("\0plain")), 4, false},
+                           {frame("TIT2", bytes("\0Caf\xE9")), 3, true},
+                           {frame("TDRC", bytes("\0002004")), 4, true},
+                           {frame("COMM", bytes("\0engiTunNORM\0 0")), 3, false},
+                           {frame("COMM", bytes("\0eng\0Nice\0")), 3, false},
+                           {frame("COMM", bytes("\0eng\0Nice")), 3, true}, // "Nic"
+                           {frame("TCOM", bytes("\0A\0B")), 4, false},
+                           {frame("TCON", bytes("\000131")), 3, false},
+                           {frame("TPE1", bytes("\0Ann")) + frame("TPE1", bytes("\0Bo\xEB")), 3, true},
+                           {frame("USLT", bytes("\3xxx\0l\xC3\xA9")), 4, true}}) {
         const std::string content = id3Tag(c.frames, 16, c.version) + sample::mpegAudio(500);
         const ReadResult usual = readFileAs("x.mp3", content);
         ASSERT_TRUE(mayHideTexts(amdTypeMP3, usual.record));
