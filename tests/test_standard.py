@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: MIT
 """--by-standard: tags as the usual taggers write them, and what a tag library of their own makes of them."""
 
+import hashlib
 import itertools
+import json
 import re
 import struct
 import subprocess
@@ -153,6 +155,7 @@ class Tags(Folder):
                  (4, {"flags": 1, "form": lambda data: synchsafe(len(data)) + data}, {}),
                  (4, {"flags": 9, "form": lambda data: synchsafe(len(data)) + zlib.compress(data)}, {}),
                  (4, {"flags": 11, "form": all_of}, {}), (4, {"bits": 8}, {}), (4, {"bits": 8}, {"padding": 0})]
+        usual_texts = []
         for number, ((version, frames, tag), encoding) in enumerate(itertools.product(forms, range(4))):
             made = Tag(version, frames.get("bits"))
             made.texts(encoding, LATIN, **{name: value for name, value in frames.items() if name != "bits"})
@@ -163,6 +166,11 @@ class Tags(Folder):
                 grouped(made)
                 path.write_bytes(made.content(**tag) + self.sounds["mp3"])
                 self.assertEqual(ours(path), before)
+            if "form" not in frames or frames["form"] == unsynchronised:  # what zlib makes is its own affair
+                [usual] = read_json(path)
+                usual_texts.append([value for name, value in sorted(usual["record"].items()) if name != "mp3SongLen"])
+        # What the usual reading said before there was another one.
+        self.assertEqual(hashlib.sha256(json.dumps(usual_texts).encode()).hexdigest()[:16], "ac0e48e5abb8e369")
 
     def test_other_taggers(self):
         sound = self.write("plain.mp3", self.sounds["mp3"])
