@@ -3,7 +3,8 @@
 
 #include "engine/fileEngine.h"
 #include "engine/fileText.h"
-#include "engine/mp3tags.h"
+#include "engine/id3genres.h"
+#include "engine/id3picture.h"
 #include "text/stringEngine.h"
 
 #include <algorithm>

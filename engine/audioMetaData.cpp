@@ -5,7 +5,7 @@
 #include "engine/fileEngine.h"
 #include "engine/miAIFF.h"
 #include "engine/miWAVE.h"
-#include "engine/mp3tags.h"
+#include "engine/mpegFile.h"
 #include "platform/host/fileAttributes.h"
 #include "text/stringEngine.h"
 

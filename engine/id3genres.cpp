@@ -137,6 +137,11 @@ SvxStringRef id3GenreName(std::int32_t code) noexcept {
                : nullptr;
 }
 
+SvxStringRef mp3LoadGenreString(std::int32_t number) noexcept {
+    constexpr std::int32_t genres = 126;
+    return number >= 1 && number <= genres ? id3GenreName(number - 1) : nullptr;
+}
+
 SvxStringRef id3GenreNames(const SvxStringRef& content) noexcept {
     // Without the byte-order marks that values may begin with.
     const SvxStringRef values = SvxStringJoinParts(content, std::string_view("\0", 1));

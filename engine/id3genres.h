@@ -7,6 +7,9 @@
 
 namespace sonarin {
 
+/// The genre table's entry `number` (1 to 126: ID3v1 code + 1); absent for any other number.
+[[nodiscard]] SvxStringRef mp3LoadGenreString(std::int32_t number) noexcept;
+
 /// The name of an ID3v1 genre code, in the user's language: the codes of ID3v1 and all that were added since,
 /// 0 to 191. Absent for any other number.
 [[nodiscard]] SvxStringRef id3GenreName(std::int32_t code) noexcept;

@@ -7,7 +7,7 @@
 #include "engine/id3frames.h"
 #include "engine/id3genres.h"
 #include "engine/id3stored.h"
-#include "engine/mp3tags.h"
+#include "engine/id3v2.h"
 #include "text/stringEngine.h"
 
 #include <algorithm>

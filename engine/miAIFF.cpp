@@ -4,7 +4,7 @@
 #include "engine/chunkWalk.h"
 #include "engine/fileEngine.h"
 #include "engine/id3standard.h"
-#include "engine/mp3tags.h"
+#include "engine/id3v2.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "engine/mp3tags.h"
+#include "engine/id3frameText.h"
+#include "engine/id3picture.h"
+#include "engine/id3v2.h"
 #include "engine/readCache.h"
 #include "fuzz/memoryFile.h"
 

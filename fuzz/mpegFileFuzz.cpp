@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "engine/mp3tags.h"
+#include "engine/mpegFile.h"
 #include "fuzz/memoryFile.h"
 
 /// The whole MPEG reader on any bytes.

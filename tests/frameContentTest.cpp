@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "engine/mp3tags.h"
+#include "engine/id3frameText.h"
+#include "engine/id3picture.h"
 #include "tests/support/readBytes.h"
 #include "tests/support/sampleBytes.h"
 #include "text/stringEngine.h"

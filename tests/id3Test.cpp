@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "engine/mp3tags.h"
+#include "engine/id3genres.h"
+#include "engine/id3v1.h"
+#include "engine/id3v2.h"
 #include "tests/support/readBytes.h"
 #include "tests/support/sampleBytes.h"
 #include "text/stringEngine.h"

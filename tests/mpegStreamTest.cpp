@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "engine/mp3frame.h"
+#include "engine/mpegFrame.h"
 #include "tests/support/readFile.h"
 #include "tests/support/sampleBytes.h"
 #include "tests/support/testFolder.h"

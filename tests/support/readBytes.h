@@ -2,7 +2,6 @@
 #pragma once
 
 #include "engine/fileEngine.h"
-#include "engine/mp3tags.h"
 #include "engine/readCache.h"
 #include "tests/support/testFolder.h"
 

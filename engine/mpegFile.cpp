@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "engine/mpegFile.h"
+
 #include "engine/fileEngine.h"
 #include "engine/id3standard.h"
-#include "engine/mp3frame.h"
-#include "engine/mp3length.h"
-#include "engine/mp3tags.h"
+#include "engine/id3v1.h"
+#include "engine/id3v2.h"
+#include "engine/mpegFrame.h"
+#include "engine/mpegLength.h"
 #include "text/stringEngine.h"
 
 #include <algorithm>

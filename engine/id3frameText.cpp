@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "engine/id3frameText.h"
+
 #include "engine/fileEngine.h"
 #include "engine/fileText.h"
-#include "engine/mp3tags.h"
 #include "text/stringEngine.h"
 #include "text/textDecoding.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/audioMetaData.h"
-#include "engine/mp3frame.h"
+#include "engine/mpegFrame.h"
 #include "engine/readCache.h"
 
 #include <cstdint>

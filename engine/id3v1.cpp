@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "engine/id3v1.h"
+
 #include "engine/fileEngine.h"
 #include "engine/id3genres.h"
 #include "engine/id3standard.h"
-#include "engine/mp3tags.h"
 #include "text/stringEngine.h"
 
 #include <array>

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "engine/id3v2.h"
+
 #include "engine/fileEngine.h"
+#include "engine/id3frameText.h"
 #include "engine/id3frames.h"
+#include "engine/id3genres.h"
+#include "engine/id3picture.h"
 #include "engine/id3standard.h"
-#include "engine/mp3tags.h"
-#include "text/CMMCoreFunctions.h"
 #include "text/stringEngine.h"
 
 #include <array>
@@ -128,14 +131,6 @@ void mp3DecodeTrackInfo(const SvxStringRef& text, std::uint16_t* track, std::uin
     const SvxStringRef after = SvxStringCreateWithSubstring(text, at + 1, SvxStringGetLength(text) - at - 1);
     *track = static_cast<std::uint16_t>(SvxStringGetIntValue(before));
     *amount = static_cast<std::uint16_t>(SvxStringGetIntValue(after));
-}
-
-SvxStringRef mp3LoadGenreString(std::int32_t number) noexcept {
-    constexpr std::int16_t genreTable = 513;
-    constexpr std::int32_t genres = 126;
-    return number >= 1 && number <= genres
-               ? SvxStringGetFromTable(genreTable, static_cast<std::int16_t>(number))
-               : nullptr;
 }
 
 } // namespace sonarin

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "engine/mp3length.h"
+#include "engine/mpegLength.h"
 
 #include "engine/fileEngine.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "engine/mp3frame.h"
+#include "engine/mpegFrame.h"
 
 #include <algorithm>
 #include <array>

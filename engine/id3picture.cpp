@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "engine/id3picture.h"
+
 #include "engine/fileEngine.h"
-#include "engine/mp3tags.h"
 
 #include <algorithm>
 #include <array>
