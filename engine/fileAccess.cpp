@@ -48,10 +48,8 @@ std::int32_t feReadFromFile(std::int32_t refNum, std::uint64_t position, std::ui
     }
     auto* out = static_cast<std::uint8_t*>(buffer);
     while (count > 0) {
-        const ssize_t got = pread(refNum, out, count, static_cast<off_t>(position));
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
+        const ssize_t got =
+            uninterrupted([&] { return pread(refNum, out, count, static_cast<off_t>(position)); });
         if (got < 0) {
             return hostError();
         }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "engine/fileEngine.h"
 #include "engine/readCache.h"
+#include "platform/host/fileDescriptor.h"
 #include "platform/host/mountPoints.h"
 #include "tests/support/testFolder.h"
 #include "text/stringEngine.h"
@@ -193,6 +194,20 @@ TEST(Files, AreOpenedOnlyWhenTheyAreFiles) {
     EXPECT_EQ(feOpenExistingDataFile(text(folder.path("missing")), 0), 0);
     EXPECT_EQ(feOpenExistingDataFile(text(""), 0), 0);
     EXPECT_EQ(feOpenExistingDataFile(SvxStringGetEmpty(), 0), 0);
+}
+
+TEST(Files, AreAskedAgainWhenASignalInterrupts) {
+    int calls = 0;
+    EXPECT_EQ(uninterrupted([&calls] {
+                  errno = EINTR;
+                  return ++calls < 3 ? -1 : 7;
+              }),
+              7);
+    EXPECT_EQ(uninterrupted([] {
+                  errno = ENOENT;
+                  return -1;
+              }),
+              -1);
 }
 
 TEST(Files, NeverGetNumberZero) {

@@ -59,7 +59,9 @@ HostTypeCodes codesFromExtendedAttributes(const std::string& path) {
 
 template <std::size_t Size>
 bool readAt(const FileDescriptor& file, off_t position, std::array<std::uint8_t, Size>& bytes) {
-    return pread(file.get(), bytes.data(), bytes.size(), position) == static_cast<ssize_t>(Size);
+    const ssize_t got =
+        uninterrupted([&] { return pread(file.get(), bytes.data(), bytes.size(), position); });
+    return got == static_cast<ssize_t>(Size);
 }
 
 /// AppleDouble: a 26-byte header, then one 12-byte descriptor (id, offset, length) an entry.

@@ -15,7 +15,9 @@ FileDescriptor::~FileDescriptor() {
 
 FileDescriptor openWithoutWaiting(const std::string& path, bool writeAccess) noexcept {
     const int flags = (writeAccess ? O_RDWR : O_RDONLY) | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    FileDescriptor file(open(path.c_str(), flags)); // NOLINT(cppcoreguidelines-pro-type-vararg)
+    FileDescriptor file(uninterrupted([&] {
+        return open(path.c_str(), flags); // NOLINT(cppcoreguidelines-pro-type-vararg)
+    }));
     if (file.get() == 0) {
         // Only where standard input is closed: 0 means "none" to those who keep the number.
         file = FileDescriptor(fcntl(0, F_DUPFD_CLOEXEC, 1)); // NOLINT(cppcoreguidelines-pro-type-vararg)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cerrno>
 #include <string>
 #include <utility>
 
@@ -28,6 +29,17 @@ public:
 private:
     int descriptor_ = -1;
 };
+
+/// The answer of a system call, which is made again as long as a signal interrupts it. Not for close: the
+/// descriptor is gone whatever it answers.
+template <class SystemCall>
+auto uninterrupted(SystemCall call) {
+    auto result = call();
+    while (result == -1 && errno == EINTR) {
+        result = call();
+    }
+    return result;
+}
 
 /// Opens a file without ever waiting: a FIFO without a writer, or a device that is not ready, does not hold
 /// the program up. Never answers descriptor 0. Whether the item is a regular file is not looked at; an empty
