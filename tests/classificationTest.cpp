@@ -97,6 +97,9 @@ TEST(TypeCodes, ComeFromWhereverTheDiskKeepsThem) {
         GTEST_SKIP() << "no extended attributes in the temporary folder";
     }
     EXPECT_EQ(type(), fourCC("WAVE"));
+    const std::string longer = sample::padded("AIFFmine", 33);
+    ASSERT_EQ(setxattr(path.c_str(), "user.com.apple.FinderInfo", longer.data(), longer.size(), 0), 0);
+    EXPECT_EQ(type(), fourCC("AIFF"));
     // An empty Finder info says nothing.
     const std::string nothing(32, '\0');
     ASSERT_EQ(setxattr(path.c_str(), "user.com.apple.FinderInfo", nothing.data(), nothing.size(), 0), 0);

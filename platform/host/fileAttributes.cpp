@@ -5,12 +5,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <exception>
 #include <optional>
 #include <span>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+#include <vector>
 
 namespace sonarin {
 
@@ -34,9 +36,15 @@ bool holdsCode(const HostTypeCodes& codes) {
 /// The first `Size` bytes of an extended attribute; nothing when it is missing or shorter.
 template <std::size_t Size>
 std::optional<std::array<std::uint8_t, Size>> extendedAttribute(const std::string& path, const char* name) {
+    constexpr std::size_t largest = 65536; // that Linux lets an attribute be
     std::array<std::uint8_t, Size> value{};
-    const ssize_t length = getxattr(path.c_str(), name, value.data(), value.size());
-    return length == static_cast<ssize_t>(Size) ? std::optional(value) : std::nullopt;
+    ssize_t length = getxattr(path.c_str(), name, value.data(), value.size());
+    if (length < 0 && errno == ERANGE) {
+        std::vector<std::uint8_t> whole(largest);
+        length = getxattr(path.c_str(), name, whole.data(), whole.size());
+        std::copy_n(whole.begin(), value.size(), value.begin());
+    }
+    return length >= static_cast<ssize_t>(Size) ? std::optional(value) : std::nullopt;
 }
 
 HostTypeCodes codesFromExtendedAttributes(const std::string& path) {
