@@ -26,17 +26,17 @@ std::string renameOutcome(std::int32_t result, const SvxStringRef& newName) {
         return "Renamed";
     case fileMemFullErr:
         return "Not renamed: there is no memory left";
-    case -EEXIST:
+    case feHostError(EEXIST):
         return "Not renamed: the name is taken";
-    case -EINVAL:
+    case feHostError(EINVAL):
         return holdsSlash(newName) ? "Not renamed: a name cannot hold a slash"
                                    : "Not renamed: no file can have that name";
-    case -ENAMETOOLONG:
+    case feHostError(ENAMETOOLONG):
         return "Not renamed: the name is too long";
-    case -ENOENT:
+    case feHostError(ENOENT):
         return "Not renamed: the file is no longer there";
     default:
-        return "Not renamed: " + hostErrorText(-result);
+        return "Not renamed: " + hostErrorText(feHostErrorNumber(result));
     }
 }
 

@@ -45,7 +45,7 @@ std::int32_t feRenameFolder(const FSRef& ref, const SvxStringRef& newName, FSRef
         const std::string bytes = name ? encodeName(*name) : std::string();
         const std::size_t end = ref.path.find_last_not_of('/');
         if (bytes.empty() || end == std::string::npos) {
-            return -EINVAL;
+            return feHostError(EINVAL);
         }
         const std::string path = ref.path.substr(0, end + 1);
         const std::size_t nameStart = path.rfind('/') + 1; // 0 without a slash
@@ -53,7 +53,7 @@ std::int32_t feRenameFolder(const FSRef& ref, const SvxStringRef& newName, FSRef
         const std::string target = path.substr(0, nameStart) + bytes;
         const int error = renameItem(path, target, differInCaseAlone(oldName, name));
         if (error != 0) {
-            return -error;
+            return feHostError(error);
         }
         renamed->path = target;
         return fileNoErr;

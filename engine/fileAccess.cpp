@@ -15,7 +15,7 @@ namespace {
 constexpr auto farthest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
 
 std::int32_t hostError() {
-    return -static_cast<std::int32_t>(errno);
+    return feHostError(errno);
 }
 
 } // namespace
@@ -35,7 +35,7 @@ std::int32_t feGetEOF(std::int32_t refNum, std::uint64_t* size) noexcept {
         return hostError();
     }
     if (!S_ISREG(status.st_mode)) {
-        return -EINVAL;
+        return feHostError(EINVAL);
     }
     *size = static_cast<std::uint64_t>(status.st_size);
     return fileNoErr;

@@ -96,14 +96,14 @@ SvxStringRef feLastPathComponent(const SvxStringRef& path) noexcept {
 
 std::int32_t feMakeFSRefFromPath(const SvxStringRef& path, FSRef* ref) noexcept {
     if (!path) {
-        return -ENOENT;
+        return feHostError(ENOENT);
     }
     try {
         ref->path = encodePath(*path);
     } catch (const std::exception&) {
         return fileMemFullErr;
     }
-    return ref->path.empty() ? -ENOENT : fileNoErr;
+    return ref->path.empty() ? feHostError(ENOENT) : fileNoErr;
 }
 
 } // namespace sonarin

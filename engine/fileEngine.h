@@ -14,8 +14,7 @@
 /// before the file system sees it: every path comes back as it was.
 namespace sonarin {
 
-/// Results of the file and cache primitives: 0, one of these, or another negative value, which is the host's
-/// error number negated.
+/// Results of the file and cache primitives: 0, one of these, or a host error.
 enum FileResult : std::int32_t { // NOLINT(*-enum-size): results are passed as 32-bit numbers
     fileNoErr = 0,
     fileEofErr = -39,       ///< the bytes extend past what the file holds
@@ -23,6 +22,15 @@ enum FileResult : std::int32_t { // NOLINT(*-enum-size): results are passed as 3
     fileUnwantedErr = -128, ///< nobody wants the bytes any more
     fileShortReadErr = -192 ///< the host delivered fewer bytes than it has, without an error
 };
+
+/// A host's error number as a result: in 16 bits, and below all of the above, some of which are the negatives
+/// of such numbers.
+constexpr std::int32_t feHostError(int number) {
+    return -1000 - number;
+}
+constexpr int feHostErrorNumber(std::int32_t hostError) {
+    return -1000 - hostError;
+}
 
 /// A path in the host's own form.
 struct FSRef {
@@ -36,7 +44,7 @@ struct FSRef {
 [[nodiscard]] SvxStringRef feLastPathComponent(const SvxStringRef& path) noexcept;
 
 /// Makes the reference of the item at `path`, which ends before the first U+0000; the item need not exist.
-/// fileMemFullErr, or -ENOENT for an absent or empty path.
+/// fileMemFullErr, or the host error ENOENT for an absent or empty path.
 [[nodiscard]] std::int32_t feMakeFSRefFromPath(const SvxStringRef& path, FSRef* ref) noexcept;
 
 /// Opens an existing file, for reading and writing when `writeAccess` is 1, else for reading. Answers the
@@ -45,7 +53,7 @@ struct FSRef {
 [[nodiscard]] std::int32_t feOpenExistingDataFile(const SvxStringRef& path,
                                                   std::int32_t writeAccess) noexcept;
 
-/// The file's size in bytes. An item that is no regular file has none: -EINVAL.
+/// The file's size in bytes. An item that is no regular file has none: the host error EINVAL.
 [[nodiscard]] std::int32_t feGetEOF(std::int32_t refNum, std::uint64_t* size) noexcept;
 
 /// Reads exactly `count` bytes at `position`.
@@ -63,9 +71,9 @@ std::int32_t feCloseFile(std::int32_t refNum) noexcept;
 
 /// Gives the item, a file or a folder, a new name in its own folder, in one step and never over another item;
 /// the name is taken up to its 255th unit and without U+0000, else exactly. `*renamed` gets the reference of
-/// the renamed item. 0; -EINVAL for a name that is none (empty, ".", "..", or with a slash or a lone
-/// surrogate); -EEXIST when the folder holds an item of that name; or another host error, all of which change
-/// nothing.
+/// the renamed item. 0; the host error EINVAL for a name that is none (empty, ".", "..", or with a slash or a
+/// lone surrogate), EEXIST when the folder holds an item of that name, or another one, all of which change
+/// nothing; fileMemFullErr.
 [[nodiscard]] std::int32_t feRenameFolder(const FSRef& ref, const SvxStringRef& newName,
                                           FSRef* renamed) noexcept;
 

@@ -14,8 +14,8 @@
 /// grows as long as each filling goes on where the one before ended: what is read through is read in large
 /// pieces.
 ///
-/// Operations answer 0, fileMemFullErr, fileEofErr, fileShortReadErr, fileUnwantedErr or a negated host error
-/// number (see fileEngine.h). Positions are bytes from the file's start, 64 bits wide.
+/// Operations answer 0, fileMemFullErr, fileEofErr, fileShortReadErr, fileUnwantedErr or a host error (see
+/// fileEngine.h). Positions are bytes from the file's start, 64 bits wide.
 namespace sonarin {
 
 inline constexpr std::uint32_t rcStandardBufferSize = 65536;

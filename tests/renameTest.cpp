@@ -39,9 +39,9 @@ TEST(Rename, TakesTheNameExactlyOrNotAtAll) {
         EXPECT_NE(rename(path, name), 0) << plain(name);
         EXPECT_TRUE(fs::exists(path)) << plain(name);
     }
-    EXPECT_EQ(rename(path, text("taken")), -EEXIST);
+    EXPECT_EQ(rename(path, text("taken")), feHostError(EEXIST));
     EXPECT_EQ(fs::file_size(folder.path("taken")), 8U);
-    EXPECT_EQ(rename(folder.path("missing"), text("x")), -ENOENT);
+    EXPECT_EQ(rename(folder.path("missing"), text("x")), feHostError(ENOENT));
 
     EXPECT_EQ(rename(path, text(" new name ")), 0); // nothing is trimmed
     EXPECT_EQ(rename(folder.path(" new name "), text(" New Name ")), 0);
@@ -49,7 +49,7 @@ TEST(Rename, TakesTheNameExactlyOrNotAtAll) {
     EXPECT_TRUE(fs::exists(folder.path("Without end")));
     fs::create_directory(folder.path("folder"));
     EXPECT_EQ(rename(folder.path("folder/"), text("other")), 0);
-    EXPECT_EQ(rename(folder.path("other"), text("taken")), -EEXIST);
+    EXPECT_EQ(rename(folder.path("other"), text("taken")), feHostError(EEXIST));
 }
 
 TEST(Rename, CutsNamesAtTheirUnits) {
@@ -61,7 +61,7 @@ TEST(Rename, CutsNamesAtTheirUnits) {
     for (int i = 0; i < 200; ++i) {
         accents += "\xC3\xA9"; // 200 units, but 400 bytes, which the disk refuses
     }
-    EXPECT_EQ(rename(folder.path(std::string(255, 'n')), text(accents)), -ENAMETOOLONG);
+    EXPECT_EQ(rename(folder.path(std::string(255, 'n')), text(accents)), feHostError(ENAMETOOLONG));
 }
 
 TEST(Rename, ReplacesNothingWhereTheDiskCannotTell) {
@@ -112,7 +112,7 @@ TEST(Rename, LeavesTheFileWhereTheFolderIsReadOnly) {
     const TestFolder folder;
     const std::string path = folder.write("old", "");
     fs::permissions(folder.path(""), fs::perms::owner_read | fs::perms::owner_exec);
-    EXPECT_EQ(rename(path, text("new")), -EACCES);
+    EXPECT_EQ(rename(path, text("new")), feHostError(EACCES));
     fs::permissions(folder.path(""), fs::perms::owner_all);
     EXPECT_TRUE(fs::exists(path));
 }

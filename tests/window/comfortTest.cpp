@@ -2,6 +2,7 @@
 // What makes the window pleasant: room, keyboard, screen readers, copying, the line at the foot.
 #include "app/renameOutcome.h"
 #include "app/window/textColours.h"
+#include "engine/fileEngine.h"
 #include "platform/desktop/fileIcon.h"
 #include "tests/support/sampleBytes.h"
 #include "tests/window/windowTest.h"
@@ -348,8 +349,9 @@ TEST_F(Comfort, TheFootSaysWhatGoesOn) {
     }
     controller->renameToSongTitle();
     EXPECT_EQ(foot(), "Not renamed: the file is no longer there");
-    EXPECT_EQ(renameOutcome(-EACCES, nullptr), "Not renamed: Permission denied");
-    EXPECT_EQ(renameOutcome(-EINVAL, nullptr), "Not renamed: no file can have that name");
+    EXPECT_EQ(renameOutcome(feHostError(ESHUTDOWN), nullptr),
+              "Not renamed: Cannot send after transport endpoint shutdown"); // its number is 108
+    EXPECT_EQ(renameOutcome(feHostError(EINVAL), nullptr), "Not renamed: no file can have that name");
     controller->say(QStringLiteral("<b>AC&DC</b>"));
     EXPECT_EQ(foot(), "&lt;b&gt;AC&amp;DC&lt;/b&gt;");
     const QSize least = controller->myWindow->minimumSizeHint();
