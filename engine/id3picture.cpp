@@ -131,8 +131,8 @@ std::optional<FoundPicture> startByScan(rcCacheRec* cache, FilePlace range) {
 }
 
 std::optional<FoundPicture> findPicture(rcCacheRec* cache, FilePlace range) {
-    const ByteView head = rcBytesInCache(cache, range.position, smallestFrame);
-    if (head.empty()) {
+    std::array<std::uint8_t, smallestFrame> head{};
+    if (rcReadFromCache(cache, range.position, head.size(), head.data()) != fileNoErr) {
         return std::nullopt;
     }
     const auto start = startByFormat(head);

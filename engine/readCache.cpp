@@ -115,7 +115,8 @@ std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t s
     if (result != fileNoErr) {
         return result;
     }
-    cache->bufferSize = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->eof, size));
+    cache->bufferSize =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->eof, std::max(size, rcSmallestBufferSize)));
     cache->buffer.reset(new (std::nothrow)
                             std::uint8_t[cache->bufferSize]); // not zeroed: it is filled at once
     if (!cache->buffer) {

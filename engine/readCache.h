@@ -19,6 +19,8 @@
 namespace sonarin {
 
 inline constexpr std::uint32_t rcStandardBufferSize = 65536;
+/// A text is decoded out of the buffer, of which its longest character takes so much.
+inline constexpr std::uint32_t rcSmallestBufferSize = 4;
 
 /// Owned by the reader that opened it, for the reading of one file. While valid, the buffer holds the file's
 /// bytes from bufferPos to bufferPos + validLength.
@@ -42,8 +44,8 @@ enum rcByteOrder : std::int32_t { // NOLINT(*-enum-size): callers may pass any n
 };
 
 /// Sets the cache up over the open file `refNum`, which belongs to the cache from then on, also when this
-/// fails. The buffer has `size` bytes, or the file's size when that is less, and is filled from position 0
-/// on.
+/// fails. The buffer has `size` bytes, rcSmallestBufferSize at the least, or the file's size when that is
+/// less, and is filled from position 0 on.
 [[nodiscard]] std::int32_t rcOpenCache(rcCacheRec* cache, std::int32_t refNum, std::uint32_t size) noexcept;
 
 /// Sets the cache up over bytes in memory, which belong to it from then on. Positions count from the first.

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -156,6 +157,15 @@ TEST_F(CacheTest, ReadsIntegersInBothOrders) {
     EXPECT_EQ(two, 0x0201U);
     EXPECT_EQ(rcReadUInt64FromCache(&cache, 0, rcByteOrderBig, &eight), 0);
     EXPECT_EQ(eight, 0x5249464601020304U);
+}
+
+TEST_F(CacheTest, HoldsACharacterUnlessTheFileIsShorter) {
+    for (const auto& [fileSize, asked, given] :
+         {std::tuple(1U, 65536U, 1U), {3U, 1U, 3U}, {1000U, 1U, 4U}, {1000U, 3U, 4U}, {1000U, 5U, 5U}}) {
+        ASSERT_EQ(open(countedBytes(fileSize), asked), 0);
+        EXPECT_EQ(cache.bufferSize, given);
+        rcCloseCacheAndFile(&cache);
+    }
 }
 
 TEST_F(CacheTest, KnowsEmptyAndShrinkingFiles) {

@@ -17,9 +17,9 @@ using sample::bytes;
 using sample::utf16;
 
 /// Decodes a frame's content, the bytes behind its encoding byte; `next` follows it in the file.
-std::string decode(const std::string& content, const std::string& before = {},
-                   const std::string& next = "X") {
-    OpenBytes file("?" + content + next);
+std::string decode(const std::string& content, const std::string& before = {}, const std::string& next = "X",
+                   std::uint32_t bufferSize = rcStandardBufferSize) {
+    OpenBytes file("?" + content + next, bufferSize);
     SvxStringRef field = before.empty() ? nullptr : text(before);
     mp3ReadSvxStringFromFile(&file.cache, 1, static_cast<std::uint32_t>(content.size() + 1), &field);
     return plain(field);
@@ -68,6 +68,7 @@ TEST(FrameText, IsRecognisedByItsBytes) {
              {"iTunSMP", "iTunSMP"},
          }) {
         EXPECT_EQ(decode(c.content), c.expected) << testing::PrintToString(c.content);
+        EXPECT_EQ(decode(c.content, "", "X", 1), c.expected) << testing::PrintToString(c.content);
     }
 }
 
@@ -152,8 +153,9 @@ TEST(FramePicture, StartsWhereItsFormatSays) {
             record.mp3CoverArtType == 0 ? "" : plain(fourCharacterText(record.mp3CoverArtType));
         EXPECT_EQ((Picture{result, std::string(asCharacters(record.mp3CoverArt.view())), type}), expected);
 
+        OpenBytes sameFile("?" + c.content + "N", 1);
         audioTags unloaded;
-        EXPECT_EQ(mp3ReadCoverArt(&unloaded, 1, count, &file.cache, Pictures::find), result);
+        EXPECT_EQ(mp3ReadCoverArt(&unloaded, 1, count, &sameFile.cache, Pictures::find), result);
         EXPECT_FALSE(unloaded.mp3CoverArt);
         EXPECT_EQ(unloaded.mp3CoverArtType, record.mp3CoverArtType);
         EXPECT_EQ(unloaded.mp3CoverArtPlace.size, expected.bytes.size());
