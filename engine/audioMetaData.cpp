@@ -10,6 +10,7 @@
 #include "text/stringEngine.h"
 
 #include <algorithm>
+#include <exception>
 #include <initializer_list>
 
 namespace sonarin {
@@ -139,8 +140,13 @@ std::int32_t amdGetAudioMetaDataForFile(const SvxStringRef& path, audioTags* rec
     }
 }
 
-std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record, const std::atomic<bool>* isWanted) {
-    return record.mp3CoverArt ? makeHostPicture(record.mp3CoverArt.view(), isWanted) : nullptr;
+std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record,
+                                            const std::atomic<bool>* isWanted) noexcept {
+    try {
+        return record.mp3CoverArt ? makeHostPicture(record.mp3CoverArt.view(), isWanted) : nullptr;
+    } catch (const std::exception&) { // of the decoder, such as from want of memory
+        return nullptr;
+    }
 }
 
 void amdReleaseAudioMetaData(audioTags* record) noexcept {

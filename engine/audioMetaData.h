@@ -78,8 +78,8 @@ enum AudioFileType : std::int32_t { // NOLINT(*-enum-size): codes are passed as 
 /// A new picture from the record's cover; null when there is none, or its bytes are no image that the program
 /// can decode, or the picture is no longer wanted. The format is recognised by the bytes: mp3CoverArtType may
 /// be wrong.
-[[nodiscard]] std::unique_ptr<HostPicture> amdGetCoverArt(const audioTags& record,
-                                                          const std::atomic<bool>* isWanted = nullptr);
+[[nodiscard]] std::unique_ptr<HostPicture>
+amdGetCoverArt(const audioTags& record, const std::atomic<bool>* isWanted = nullptr) noexcept;
 
 /// Releases the record's texts and picture and nulls their fields; numbers stay. Harmless when repeated.
 void amdReleaseAudioMetaData(audioTags* record) noexcept;

@@ -194,6 +194,18 @@ TEST(FramePicture, KeepsTheEarlierOneOnFailure) {
     EXPECT_EQ(record.mp3CoverArtType, fourCC("PNGf"));
 }
 
+TEST(FramePicture, IsNoneWhenItsDecoderRunsOutOfMemory) {
+    OpenBytes file(bytes("image/png\0\3\0") + std::string(200, 'p'));
+    audioTags record;
+    ASSERT_EQ(mp3ReadCoverArt(&record, 0, 150, &file.cache), 0);
+    setHostPictureDecoder([](std::span<const std::uint8_t> /*bytes*/,
+                             const std::atomic<bool>* /*isWanted*/) -> std::unique_ptr<HostPicture> {
+        throw std::bad_alloc();
+    });
+    EXPECT_FALSE(amdGetCoverArt(record));
+    setHostPictureDecoder(nullptr);
+}
+
 } // namespace
 
 } // namespace sonarin
