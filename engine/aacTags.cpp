@@ -5,6 +5,7 @@
 #include "engine/fileText.h"
 #include "engine/id3genres.h"
 #include "engine/id3picture.h"
+#include "engine/readBudget.h"
 #include "text/stringEngine.h"
 
 #include <algorithm>
@@ -18,7 +19,6 @@ namespace {
 constexpr std::uint32_t headerSize = sizeof(aacAtomHeader);
 constexpr std::int32_t noSuchAtom = -1;
 constexpr std::int32_t valueTooSmall = -2;
-constexpr std::int32_t budgetSpent = -3;
 constexpr std::int32_t noText = -4;
 
 std::int32_t readHeader(rcCacheRec* cache, std::uint64_t position, aacAtomHeader* header) {
@@ -91,9 +91,16 @@ private:
         const auto* text = std::find_if(textItems.begin(), textItems.end(), [&](const TextItem& candidate) {
             return candidate.type == item.type;
         });
-        if (text != textItems.end()) {
-            aacReadQuickTimeToSvxStringRef(cache_, position, &(record_->*text->field), &textBudget_);
+        if (text != textItems.end() && mayReadText(position)) {
+            aacReadQuickTimeToSvxStringRef(cache_, position, &(record_->*text->field));
         }
+    }
+
+    /// A value's size is not limited by its item's.
+    bool mayReadText(std::uint64_t position) {
+        aacAtomHeader value;
+        return readHeader(cache_, position + headerSize, &value) == fileNoErr &&
+               budget_.allows(position, value.size);
     }
 
     /// The first four characters of a date, taken for digits unseen.
@@ -127,12 +134,10 @@ private:
         result_ = rcReadUInt16FromCache(cache_, position + 28, rcByteOrderBig, &record_->mp3TrackAmount);
     }
 
-    static constexpr std::uint64_t slack = std::uint64_t{1} << 20U;
-
     audioTags* record_;
     rcCacheRec* cache_;
     Pictures pictures_;
-    std::uint64_t textBudget_ = cache_->eof + slack;
+    ReadBudget budget_{cache_->eof};
     std::int32_t result_ = fileNoErr; ///< of the last read that may end the walk
 };
 
@@ -206,7 +211,7 @@ std::int32_t findQTAtom(std::uint32_t type, std::uint64_t* position, std::uint32
 }
 
 std::int32_t aacReadQuickTimeToSvxStringRef(rcCacheRec* cache, std::uint64_t itemPosition,
-                                            SvxStringRef* field, std::uint64_t* budget) noexcept {
+                                            SvxStringRef* field) noexcept {
     constexpr std::uint32_t fieldsBeforeValue = 16;
     aacAtomHeader value;
     const std::int32_t result = readHeader(cache, itemPosition + headerSize, &value);
@@ -221,10 +226,6 @@ std::int32_t aacReadQuickTimeToSvxStringRef(rcCacheRec* cache, std::uint64_t ite
     if (!rcRangeIsInFile(*cache, start, length)) {
         return fileEofErr;
     }
-    if (length > *budget) {
-        return budgetSpent;
-    }
-    *budget -= length;
     SvxStringRef text = readUTF8Text(cache, start, length);
     if (!text) {
         return noText;

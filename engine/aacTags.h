@@ -28,12 +28,10 @@ void aacSwapAtom(aacAtomHeader* header) noexcept;
                                       rcCacheRec* cache, aacAtomHeader* header) noexcept;
 
 /// Reads the text value of the item at `itemPosition` into `*field`, or joins it to the text there after a
-/// blank; iTunes' own data is passed over. `*budget` says how many bytes of text may still be read, and is
-/// lowered by those that were: a value's size is not limited by its item's, so a list could name the same
-/// bytes over and over. 0, an error of the cache, -2 for a value without room for a text, -3 when the budget
-/// is spent, -4 when no text can be made (out of memory, or a read error); unless 0, the field is unchanged.
+/// blank; iTunes' own data is passed over. 0, an error of the cache, -2 for a value without room for a text,
+/// -4 when no text can be made (out of memory, or a read error); unless 0, the field is unchanged.
 std::int32_t aacReadQuickTimeToSvxStringRef(rcCacheRec* cache, std::uint64_t itemPosition,
-                                            SvxStringRef* field, std::uint64_t* budget) noexcept;
+                                            SvxStringRef* field) noexcept;
 
 /// Reads the file into a cleared record. False when it cannot be read or has no item list; duration and bit
 /// rate may be set all the same.

@@ -164,7 +164,6 @@ std::int32_t mp3ReadCoverArt(audioTags* record, std::uint64_t offset, std::uint3
     if (!rcRangeIsInFile(*cache, offset, count)) {
         return -2;
     }
-    cache->work += count; // loaded or not
     const auto found = findPicture(cache, {offset, count});
     if (!found) {
         return -2;

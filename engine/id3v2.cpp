@@ -24,11 +24,12 @@ constexpr std::uint8_t extendedHeaderFlag = 0x40;
 /// differs.
 class FramesByTheirBytes final : public FrameReading {
 public:
-    FramesByTheirBytes(audioTags* record, rcCacheRec* cache, Pictures pictures)
-        : record_(record), cache_(cache), pictures_(pictures) {}
+    FramesByTheirBytes(audioTags* record, rcCacheRec* cache, Pictures pictures, ReadBudget* budget)
+        : record_(record), cache_(cache), pictures_(pictures), budget_(budget) {}
 
     [[nodiscard]] std::optional<std::uint32_t> sizeOf(const Frame& frame) override {
-        return frame.size != 0 ? std::optional(frame.size) : std::nullopt;
+        const bool isRead = frame.size != 0 && budget_->allows(frame.dataPosition, frame.size);
+        return isRead ? std::optional(frame.size) : std::nullopt;
     }
 
     void take(const FrameRule& rule, const Frame& frame) override {
@@ -61,6 +62,7 @@ private:
     audioTags* record_;
     rcCacheRec* cache_;
     Pictures pictures_;
+    ReadBudget* budget_;
 };
 
 /// Replaces a reference such as "(17)" or "(17)Rock" by the name of that genre; anything else, "(0)" too,
@@ -88,6 +90,12 @@ void resolveGenreReference(SvxStringRef* genre) {
 
 std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRec* cache,
                            const ReadOptions& options) noexcept {
+    ReadBudget budget(cache->eof); // the frames of one tag lie apart
+    return mp3ReadV2TagsWithin(&budget, record, position, cache, options);
+}
+
+std::int32_t mp3ReadV2TagsWithin(ReadBudget* budget, audioTags* record, std::uint64_t* position,
+                                 rcCacheRec* cache, const ReadOptions& options) noexcept {
     if (options.tags == TagReading::byStandard) {
         *position = id3ReadTag(record, *position, cache->eof, cache, options.pictures);
         return fileNoErr;
@@ -109,7 +117,7 @@ std::int32_t mp3ReadV2Tags(audioTags* record, std::uint64_t* position, rcCacheRe
         record->mp3TagVersion = majorVersion > 4 ? 3 : majorVersion;
         const FrameLayout& layout = majorVersion == 2 ? version2Layout : version3Layout;
         if (result == fileNoErr) {
-            FramesByTheirBytes reading(record, cache, options.pictures);
+            FramesByTheirBytes reading(record, cache, options.pictures, budget);
             result = walkFrames(layout, cache, firstFrame, end, reading);
         }
     }

@@ -87,19 +87,18 @@ miAudioInfo infoOf(const CommonChunk& common, const ChunkWalk& form) {
     return info;
 }
 
-/// Reads "ID3 " chunks as long as that stays in proportion to the file: a tag's size is not limited by its
-/// chunk's, so a million small chunks could each ask for the rest of the file.
+/// The chunks that hold a tag.
 class TagChunks {
 public:
     TagChunks(audioTags* record, rcCacheRec* cache, const ReadOptions& options)
-        : record_(record), cache_(cache), options_(options), mostWork_(workPerByte * cache->eof + slack) {}
+        : record_(record), cache_(cache), options_(options) {}
 
     [[nodiscard]] bool isOne(const Chunk& chunk) const {
         return isUsual() ? chunk.id == fourCC("ID3 ") : id3IsTagChunk(chunk);
     }
 
     void take(const Chunk& chunk) {
-        if (record_ == nullptr || cache_->work > mostWork_) {
+        if (record_ == nullptr) {
             return;
         }
         if (!isUsual()) {
@@ -107,21 +106,16 @@ public:
             return;
         }
         std::uint64_t position = chunk.position + chunkHeaderSize;
-        mp3ReadV2Tags(record_, &position, cache_, options_);
+        mp3ReadV2TagsWithin(&budget_, record_, &position, cache_, options_);
     }
 
 private:
     [[nodiscard]] bool isUsual() const { return options_.tags == TagReading::usual; }
 
-    /// A text is gone through up to four times before its encoding is known, and one that is just longer than
-    /// the read buffer fills that twice each time.
-    static constexpr std::uint64_t workPerByte = 16;
-    static constexpr std::uint64_t slack = std::uint64_t{1} << 20U;
-
     audioTags* record_;
     rcCacheRec* cache_;
     const ReadOptions& options_;
-    std::uint64_t mostWork_;
+    ReadBudget budget_{cache_->eof}; ///< a tag's size is not limited by its chunk's
 };
 
 } // namespace

@@ -56,7 +56,6 @@ std::int32_t refill(rcCacheRec* cache, std::uint64_t position, std::uint32_t cou
     cache->fillSize = std::max(nextFillSize(*cache, position), count);
     cache->bufferPos = position;
     cache->validLength = static_cast<std::uint32_t>(std::min<std::uint64_t>(cache->fillSize, left));
-    cache->work += cache->validLength;
     const std::int32_t result = readFromFile(cache, position, cache->validLength, cache->buffer.get());
     if (result != fileNoErr) {
         cache->validLength = 0;
@@ -139,7 +138,6 @@ std::int32_t rcReadFromCache(rcCacheRec* cache, std::uint64_t position, std::uin
     if (!cache->buffer) {
         return fileMemFullErr;
     }
-    cache->work += count;
     if (count > cache->bufferSize && !isMemory(*cache)) {
         return rcReadPastCache(cache, position, count, destination);
     }
@@ -171,7 +169,6 @@ std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept
 }
 
 ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) noexcept {
-    cache->work += count;
     if (count > cache->bufferSize || provide(cache, position, count) != fileNoErr) {
         return {};
     }
@@ -213,7 +210,6 @@ std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept {
     cache->bufferPos = 0;
     cache->validLength = 0;
     cache->eof = 0;
-    cache->work = 0;
     cache->fillSize = 0;
     cache->dataStart = 0;
     cache->dataEnd = 0;

@@ -31,7 +31,6 @@ struct rcCacheRec {
     std::uint64_t bufferPos = 0;            ///< position of the buffer's first byte
     std::uint32_t validLength = 0;          ///< bytes of the buffer that hold file data
     std::uint64_t eof = 0;                  ///< the file's size when the cache was opened
-    std::uint64_t work = 0;                 ///< bytes read from the file and handed out so far
     std::uint32_t fillSize = 0;             ///< bytes that the last filling asked for, but for the file's end
     std::uint64_t dataStart = 0;            ///< between here and
     std::uint64_t dataEnd = 0;              ///< here the file has no hole (see rcPastHole)
