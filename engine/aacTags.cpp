@@ -223,7 +223,7 @@ std::int32_t aacReadQuickTimeToSvxStringRef(rcCacheRec* cache, std::uint64_t ite
     }
     const std::uint32_t length = value.size - fieldsBeforeValue;
     const std::uint64_t start = itemPosition + headerSize + fieldsBeforeValue;
-    if (!rcRangeIsInFile(*cache, start, length)) {
+    if (length != 0 && !rcRangeIsInFile(*cache, start, length)) {
         return fileEofErr;
     }
     SvxStringRef text = readUTF8Text(cache, start, length);

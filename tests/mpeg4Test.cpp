@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "engine/aacTags.h"
+#include "engine/fileEngine.h"
+#include "tests/support/readBytes.h"
 #include "tests/support/readFile.h"
 #include "tests/support/sampleBytes.h"
 #include "tests/support/testFolder.h"
@@ -203,6 +206,30 @@ TEST(Mpeg4, EndsTheItemWalkWhereItMust) {
     EXPECT_EQ(plain(readItems(claim + title).record.mp3SongTitleString), "in");
     claim.replace(8, 4, bigEndian(15));
     EXPECT_EQ(plain(readItems(claim + title).record.mp3SongTitleString), "in");
+}
+
+TEST(Mpeg4, ReadsTheTextOfOneItem) {
+    struct Case {
+        std::string content;
+        std::int32_t result;
+        std::string expected;
+    };
+    const std::string wanted = item("\xA9nam", "text");
+    const std::string empty = item("\xA9nam", "");
+    for (const Case& c : std::vector<Case>{{wanted, 0, "kept text"},
+                                           {withoutLast(wanted, 1), fileEofErr, "kept"},
+                                           {empty, 0, "kept "},
+                                           {withoutLast(empty, 8), 0, "kept "}, // nothing is left to be read
+                                           {withoutLast(empty, 9), fileEofErr, "kept"},
+                                           {item("\xA9nam", "xx").replace(8, 4, bigEndian(15)), -2, "kept"},
+                                           {item("\xA9nam", "xx").replace(8, 4, bigEndian(0)), -2, "kept"},
+                                           {item("\xA9nam", "iTunes_CDDB"), 0, "kept"},
+                                           {item("\xA9nam", "ITUNpgap 0"), 0, "kept"}}) {
+        OpenBytes file(c.content);
+        SvxStringRef field = text("kept");
+        EXPECT_EQ(aacReadQuickTimeToSvxStringRef(&file.cache, 0, &field), c.result);
+        EXPECT_EQ(plain(field), c.expected) << testing::PrintToString(c.content);
+    }
 }
 
 TEST(Mpeg4, ReadsTextThatOverlapsOnlyInProportionToTheFile) {
