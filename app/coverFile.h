@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "engine/bytes.h"
+#include "platform/host/bytes.h"
 #include "text/SvxString.h"
 
 #include <string>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "engine/bytes.h"
 #include "engine/miAudioInfo.h"
+#include "platform/host/bytes.h"
 
 /// AIFF and AIFF-C files (Audio Interchange File Format 1.3; AIFF-C draft of 1991), with an ID3 tag in a
 /// chunk of its own.

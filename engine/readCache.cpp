@@ -86,23 +86,19 @@ std::int32_t provide(rcCacheRec* cache, std::uint64_t position, std::uint32_t co
     return holds(*cache, position, count) ? fileNoErr : fileEofErr;
 }
 
-template <class Integer>
-std::int32_t readInteger(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder, Integer* value) {
+template <class Integer, class Number>
+std::int32_t readInteger(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder, Integer* value,
+                         Number (*big)(ByteView, std::size_t), Number (*little)(ByteView, std::size_t)) {
     std::array<std::uint8_t, sizeof(Integer)> bytes{};
     const std::int32_t result = rcReadFromCache(cache, position, bytes.size(), bytes.data());
     if (result != fileNoErr) {
         return result;
     }
-    if (byteOrder == rcByteOrderLittle) {
-        std::reverse(bytes.begin(), bytes.end());
-    } else if (byteOrder != rcByteOrderBig) {
-        return fileNoErr;
+    if (byteOrder == rcByteOrderBig) {
+        *value = static_cast<Integer>(big(bytes, 0));
+    } else if (byteOrder == rcByteOrderLittle) {
+        *value = static_cast<Integer>(little(bytes, 0));
     }
-    std::uint64_t number = 0;
-    for (const std::uint8_t byte : bytes) {
-        number = (number << 8U) | byte;
-    }
-    *value = static_cast<Integer>(number);
     return fileNoErr;
 }
 
@@ -190,17 +186,17 @@ bool rcRangeIsInFile(const rcCacheRec& cache, std::uint64_t position, std::uint6
 
 std::int32_t rcReadUInt16FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
                                    std::uint16_t* value) noexcept {
-    return readInteger(cache, position, byteOrder, value);
+    return readInteger(cache, position, byteOrder, value, bigEndian16, littleEndian16);
 }
 
 std::int32_t rcReadUInt32FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
                                    std::uint32_t* value) noexcept {
-    return readInteger(cache, position, byteOrder, value);
+    return readInteger(cache, position, byteOrder, value, bigEndian32, littleEndian32);
 }
 
 std::int32_t rcReadUInt64FromCache(rcCacheRec* cache, std::uint64_t position, std::int32_t byteOrder,
                                    std::uint64_t* value) noexcept {
-    return readInteger(cache, position, byteOrder, value);
+    return readInteger(cache, position, byteOrder, value, bigEndian64, littleEndian64);
 }
 
 std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/host/fileAttributes.h"
 
+#include "platform/host/bytes.h"
 #include "platform/host/fileDescriptor.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <cerrno>
 #include <exception>
 #include <optional>
-#include <span>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -19,15 +19,6 @@ namespace sonarin {
 namespace {
 
 constexpr std::size_t finderInfoSize = 32;
-
-std::uint32_t bigEndian32(const std::uint8_t* bytes) {
-    return (std::uint32_t{bytes[0]} << 24U) | (std::uint32_t{bytes[1]} << 16U) |
-           (std::uint32_t{bytes[2]} << 8U) | bytes[3];
-}
-
-std::uint32_t bigEndian16(const std::uint8_t* bytes) {
-    return (std::uint32_t{bytes[0]} << 8U) | bytes[1];
-}
 
 bool holdsCode(const HostTypeCodes& codes) {
     return codes.type != 0 || codes.creator != 0;
@@ -55,14 +46,14 @@ HostTypeCodes codesFromExtendedAttributes(const std::string& path) {
     for (const char* name : {"user.com.apple.FinderInfo", "osx.com.apple.FinderInfo"}) {
         const auto info = extendedAttribute<finderInfoSize>(path, name);
         const HostTypeCodes codes =
-            info ? HostTypeCodes{bigEndian32(info->data()), bigEndian32(info->data() + 4)} : HostTypeCodes{};
+            info ? HostTypeCodes{bigEndian32(*info), bigEndian32(*info, 4)} : HostTypeCodes{};
         if (holdsCode(codes)) {
             return codes;
         }
     }
     const auto type = extendedAttribute<4>(path, "hfs.type");
     const auto creator = extendedAttribute<4>(path, "hfs.creator");
-    return {type ? bigEndian32(type->data()) : 0, creator ? bigEndian32(creator->data()) : 0};
+    return {type ? bigEndian32(*type) : 0, creator ? bigEndian32(*creator) : 0};
 }
 
 template <std::size_t Size>
@@ -82,20 +73,20 @@ HostTypeCodes codesFromAppleDouble(const std::string& path) {
     const FileDescriptor file =
         hostFileAttributes(sidecar).isRegular ? openRegularFile(sidecar) : FileDescriptor();
     std::array<std::uint8_t, 26> header{};
-    if (!file || !readAt(file, 0, header) || bigEndian32(header.data()) != magic) {
+    if (!file || !readAt(file, 0, header) || bigEndian32(header) != magic) {
         return {};
     }
     // A handful of entry kinds exist, each of which occurs once at the most.
-    const std::uint32_t entries = std::min(bigEndian16(header.data() + 24), 64U);
+    const std::uint32_t entries = std::min(bigEndian16(header, 24), 64U);
     for (std::uint32_t i = 0; i < entries; ++i) {
         std::array<std::uint8_t, 12> entry{};
         if (!readAt(file, static_cast<off_t>(header.size() + i * entry.size()), entry)) {
             return {};
         }
         std::array<std::uint8_t, 8> codes{};
-        if (bigEndian32(entry.data()) == finderInfoEntry && bigEndian32(entry.data() + 8) >= codes.size() &&
-            readAt(file, static_cast<off_t>(bigEndian32(entry.data() + 4)), codes)) {
-            return {bigEndian32(codes.data()), bigEndian32(codes.data() + 4)};
+        if (bigEndian32(entry) == finderInfoEntry && bigEndian32(entry, 8) >= codes.size() &&
+            readAt(file, static_cast<off_t>(bigEndian32(entry, 4)), codes)) {
+            return {bigEndian32(codes), bigEndian32(codes, 4)};
         }
     }
     return {};
