@@ -64,10 +64,6 @@ bool readCommon(rcCacheRec* cache, const Chunk& chunk, CommonChunk* common) {
     return true;
 }
 
-constexpr std::uint32_t divide(std::uint32_t dividend, std::uint32_t divisor) {
-    return divisor == 0 ? 0 : dividend / divisor;
-}
-
 /// AIFF-C: seconds that the form's bytes would last uncompressed, all in 32 bits.
 std::uint32_t compressedDuration(const CommonChunk& common, std::uint32_t formSize) {
     const std::uint32_t bytes = compressionFactor(common.compressionType) * formSize;

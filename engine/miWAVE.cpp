@@ -22,10 +22,6 @@ struct WaveFormat {
     std::uint32_t bitsPerSample = 0;
 };
 
-constexpr std::uint32_t divide(std::uint32_t dividend, std::uint32_t divisor) {
-    return divisor == 0 ? 0 : dividend / divisor;
-}
-
 bool readFormat(rcCacheRec* cache, const Chunk& chunk, WaveFormat* format) {
     std::array<std::uint8_t, 24> bytes{};
     if (rcReadFromCache(cache, chunk.position, bytes.size(), bytes.data()) != fileNoErr) {

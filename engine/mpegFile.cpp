@@ -37,7 +37,7 @@ std::optional<MpegFrameHeader> findFirstFrame(rcCacheRec* cache, std::uint64_t* 
 
 /// The duration in seconds of `bytes` at `bitRate` kbit/s, in the low 16 bits that the record keeps.
 std::uint16_t durationAt(std::uint32_t bitRate, std::uint64_t bytes) {
-    return bitRate == 0 ? 0 : static_cast<std::uint16_t>(bytes * 8 / 1000 / bitRate);
+    return static_cast<std::uint16_t>(divide(bytes * 8 / 1000, bitRate));
 }
 
 void storeFrameFacts(const MpegFrameHeader& header, std::uint64_t audioBytes, audioTags* record) {

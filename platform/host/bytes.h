@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <type_traits>
 
 /// Numbers as they stand in files.
 namespace sonarin {
@@ -45,6 +46,12 @@ constexpr std::uint64_t littleEndian64(ByteView bytes, std::size_t offset = 0) {
 constexpr std::uint32_t synchsafe(ByteView bytes, std::size_t offset = 0) {
     return (std::uint32_t{bytes[offset]} << 21U) + (std::uint32_t{bytes[offset + 1]} << 14U) +
            (std::uint32_t{bytes[offset + 2]} << 7U) + bytes[offset + 3];
+}
+
+/// What is worked out with a divisor of 0 from a file is 0.
+template <class Integer>
+constexpr Integer divide(Integer dividend, std::type_identity_t<Integer> divisor) {
+    return divisor == 0 ? 0 : dividend / divisor;
 }
 
 /// The 32-bit value of a four-character code, first character in the top byte: fourCC("TIT2").
