@@ -50,17 +50,18 @@ bool isPadding(const FrameLayout& layout, ByteView header) {
     return std::all_of(idBytes.begin(), idBytes.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
-Frame decode(const FrameLayout& layout, ByteView header) {
-    if (layout.headerSize == version2Layout.headerSize) {
-        return {bigEndian24(header), bigEndian24(header, 3)};
-    }
+Frame decodeVersion2(ByteView header) {
+    return {bigEndian24(header), bigEndian24(header, 3)};
+}
+
+Frame decodeVersion3(ByteView header) {
     return {bigEndian32(header), bigEndian32(header, 4), bigEndian16(header, 8)};
 }
 
 } // namespace
 
-constexpr FrameLayout version2Layout = {6, 1, version2Rules};
-constexpr FrameLayout version3Layout = {10, 4, version3Rules};
+constexpr FrameLayout version2Layout = {6, 1, decodeVersion2, version2Rules};
+constexpr FrameLayout version3Layout = {10, 4, decodeVersion3, version3Rules};
 
 std::int32_t walkFrames(const FrameLayout& layout, rcCacheRec* cache, std::uint64_t position,
                         std::uint64_t end, FrameReading& reading) noexcept {
@@ -71,7 +72,7 @@ std::int32_t walkFrames(const FrameLayout& layout, rcCacheRec* cache, std::uint6
         if (result != fileNoErr || isPadding(layout, header)) {
             break;
         }
-        Frame frame = decode(layout, header);
+        Frame frame = layout.decode(header);
         frame.dataPosition = position + layout.headerSize;
         const std::optional<std::uint32_t> size = reading.sizeOf(frame);
         if (!size) {

@@ -28,21 +28,22 @@ struct FrameRule {
     SvxStringRef audioTags::*field = nullptr; ///< for texts
 };
 
-/// How the frames of a tag are laid out (ID3v2.2, section 3.2; ID3v2.3, section 3.3).
-struct FrameLayout {
-    std::uint32_t headerSize;
-    std::uint32_t idBytesStop; ///< the walk ends where this many bytes of the id are all zero
-    std::span<const FrameRule> rules;
-};
-extern const FrameLayout version2Layout;
-extern const FrameLayout version3Layout; ///< and of version 2.4
-
 struct Frame {
     std::uint32_t id = 0;
     std::uint32_t size = 0;  ///< of its data, as a plain number
     std::uint32_t flags = 0; ///< 16 bits; 0 in version 2
     std::uint64_t dataPosition = 0;
 };
+
+/// How the frames of a tag are laid out (ID3v2.2, section 3.2; ID3v2.3, section 3.3).
+struct FrameLayout {
+    std::uint32_t headerSize;
+    std::uint32_t idBytesStop;        ///< the walk ends where this many bytes of the id are all zero
+    Frame (*decode)(ByteView header); ///< all but the place of its data
+    std::span<const FrameRule> rules;
+};
+extern const FrameLayout version2Layout;
+extern const FrameLayout version3Layout; ///< and of version 2.4
 
 /// One way of reading frames.
 class FrameReading {
