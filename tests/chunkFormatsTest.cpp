@@ -94,12 +94,14 @@ TEST(Wave, ReadsCompressedFormatsWithTheirFact) {
 
 TEST(Wave, EndsItsWalkAtTheEndOfTheFile) {
     const std::string format = formatChunk({});
-    EXPECT_EQ(readWave(riffChunk("odd ", "123") + format).result, 0); // no pad byte
-    EXPECT_EQ(readWave(riffChunk("odd ", "123") + std::string(1, '\0') + format).result, -1);
-    EXPECT_EQ(readWave("huge" + littleEndian(0xFFFFFFFF) + format).result, -1);
-    // A chunk that begins eight bytes before the end is not looked at; a cut one fails.
-    EXPECT_EQ(readWave(soundData + "fmt " + littleEndian(16)).result, -1);
-    EXPECT_EQ(readWave(format.substr(0, 23)).result, -1);
+    for (const auto& [chunks, result] : std::vector<std::pair<std::string, std::int32_t>>{
+             {riffChunk("odd ", "123") + format, 0}, // no pad byte
+             {riffChunk("odd ", "123") + std::string(1, '\0') + format, -1},
+             {"huge" + littleEndian(0xFFFFFFFF) + format, -1},
+             {format.substr(0, 23), -1},
+             {formatChunk({0x11}) + riffChunk("fact", "1234").substr(0, 11), -1}}) {
+        EXPECT_EQ(readWave(chunks).result, result) << testing::PrintToString(chunks);
+    }
     for (const std::string& content :
          {std::string(), std::string("RIFF"), std::string("RIFFxxxxWAV"),
           "RIFX" + riffForm(format, 0).substr(4), riffForm(format, 0).replace(8, 4, "WAVX")}) {
@@ -130,6 +132,9 @@ TEST(Aiff, ReadsTheCommonChunk) {
                            {"AIFF", 2, 16, std::string(10, '\0'), "", 0, 0, 0, 0},
                            {"AIFC", 2, 16, rate44100, "ima4", 441000, 44100, 10, 0},
                            {"AIFC", 1, 8, rate44100, "alaw", 441000, 44100, 20, 3},
+                           {"AIFC", 1, 8, rate44100, "ulaw", 441000, 44100, 20, 3},
+                           {"AIFC", 1, 8, rate44100, "cdx2", 441000, 44100, 20, 3},
+                           {"AIFC", 1, 8, rate44100, "cdx4", 441000, 44100, 40, 3},
                            {"AIFC", 1, 8, rate44100, "MAC3", 441000, 44100, 30, 3},
                            {"AIFC", 1, 8, rate44100, "MAC6", 441000, 44100, 60, 3},
                            {"AIFC", 2, 16, rate44100, "NONE", 1764000, 44100, 10, 0},
@@ -167,12 +172,31 @@ TEST(Aiff, ReadsTagsBeforeAndBehindTheCommonChunk) {
 TEST(Aiff, FailsOnWhatItCannotReadToTheEnd) {
     const std::string common = commonChunk(1, 441000, 16, rate44100);
     const std::string brief = commonChunk(1, 441000, 16, rate44100, "");
-    EXPECT_EQ(readAiff(iffForm("AIFF", brief)).result, -1); // four more bytes are read than the chunk has
-    EXPECT_EQ(readAiff(iffForm("AIFF", brief + iffChunk("SSND", "12345678"))).result, 0);
-    EXPECT_EQ(readAiff(iffForm("AIFF", common + brief)).result, -1);
-    EXPECT_EQ(readAiff(iffForm("AIFF", common + "huge\xFF\xFF\xFF\xFF" + std::string(20, 'x'))).result, 0);
-    EXPECT_EQ(readAiff(iffForm("AIFX", common)).result, -1);
-    EXPECT_EQ(readAiff("FORM").result, -1);
+    for (const auto& [content, result] : std::vector<std::pair<std::string, std::int32_t>>{
+             {iffForm("AIFF", brief), -1}, // four more bytes are read than the chunk has
+             {iffForm("AIFF", brief + iffChunk("SSND", "12345678")), 0},
+             {iffForm("AIFF", common + brief), -1},
+             {iffForm("AIFF", common + iffChunk("COMM", "")), 0},   // eight bytes are no chunk,
+             {iffForm("AIFF", common + iffChunk("COMM", "c")), -1}, // nine are a cut one
+             {iffForm("AIFF", common + "huge\xFF\xFF\xFF\xFF" + std::string(20, 'x')), 0},
+             {iffForm("AIFX", common), -1},
+             {"FORM", -1}}) {
+        EXPECT_EQ(readAiff(content).result, result) << testing::PrintToString(content);
+    }
+}
+
+TEST(Aiff, FillsWhatIsGiven) {
+    const TestFolder folder;
+    const std::string tag = iffChunk("ID3 ", id3Tag(id3Frame("TIT2", bytes("\0Title"))));
+    const SvxStringRef path =
+        text(folder.write("x", iffForm("AIFF", tag + commonChunk(1, 7, 24, rate44100))));
+    miAudioInfo info;
+    audioTags record;
+    EXPECT_TRUE(miGetAIFFInfo(path, nullptr, nullptr));
+    EXPECT_TRUE(miGetAIFFInfo(path, &info, nullptr));
+    EXPECT_EQ(info.sampleSize, 24U);
+    EXPECT_TRUE(miGetAIFFInfo(path, nullptr, &record));
+    EXPECT_EQ(plain(record.mp3SongTitleString), "Title");
 }
 
 TEST(Aiff, ReadsTagsThatOverlapOnlyInProportionToTheFile) {

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
@@ -28,6 +29,10 @@ std::string countedBytes(std::size_t size) {
         content[i] = static_cast<char>(i % 251);
     }
     return content;
+}
+
+bool isOpen(std::int32_t refNum) {
+    return fcntl(refNum, F_GETFD) != -1;
 }
 
 /// A cache over a file of the test's own.
@@ -55,9 +60,16 @@ TEST_F(CacheTest, ServesReadsUpToTheFilesEnd) {
     EXPECT_EQ(cache.bufferPos, 998U);
     EXPECT_EQ(cache.validLength, 2U);
     EXPECT_EQ(rcReadFromCache(&cache, 1000, 0, out.data()), 0);
-    EXPECT_EQ(rcReadFromCache(&cache, ~std::uint64_t{0} - 1, 4, out.data()), fileEofErr);
+    constexpr std::uint64_t farthest = std::uint64_t{1} << 63U;
+    for (const std::uint64_t position : {farthest - 5, farthest - 4, farthest, ~std::uint64_t{0} - 1}) {
+        EXPECT_EQ(rcReadFromCache(&cache, position, 4, out.data()), fileEofErr) << position;
+        EXPECT_EQ(rcReadPastCache(&cache, position, 4, out.data()), fileEofErr) << position;
+        EXPECT_FALSE(rcRangeIsInFile(cache, position, 4));
+    }
     EXPECT_EQ(rcReadFromCache(&cache, 0, 4, out.data()), 0);
+    const std::int32_t refNum = cache.refNum;
     EXPECT_EQ(rcCloseCacheAndFile(&cache), 0);
+    EXPECT_FALSE(isOpen(refNum));
     EXPECT_EQ(rcReadFromCache(&cache, 0, 4, out.data()), fileMemFullErr);
     EXPECT_EQ(rcReadIntoCache(&cache, 0), fileMemFullErr);
 }
@@ -123,40 +135,48 @@ TEST_F(CacheTest, EndsWhenNobodyWantsIt) {
     EXPECT_TRUE(rcBytesInCache(&cache, 200000, 4).empty());
 }
 
-TEST_F(CacheTest, PassesOverHoles) {
+TEST_F(CacheTest, PassesOverHolesAndFourGibibytes) {
     ASSERT_EQ(open("begins"), 0);
     rcCloseCacheAndFile(&cache);
     constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
-    std::filesystem::resize_file(path_, 64 * mebibyte);
-    std::fstream(path_, std::ios::binary | std::ios::in | std::ios::out).seekp(32 * mebibyte) << "goes on";
+    constexpr std::uint64_t goesOn = 5000 * mebibyte;
+    std::filesystem::resize_file(path_, 6000 * mebibyte);
+    std::fstream(path_, std::ios::binary | std::ios::in | std::ios::out).seekp(goesOn) << "goes on";
     ASSERT_EQ(rcOpenCache(&cache, feOpenExistingDataFile(feMakePathText(path_), 0), rcStandardBufferSize), 0);
     EXPECT_EQ(rcPastHole(&cache, 3), 3U);
     const std::uint64_t data = rcPastHole(&cache, mebibyte);
-    EXPECT_GT(data, 31 * mebibyte); // data comes in blocks, whose size is the file system's own
-    EXPECT_LE(data, 32 * mebibyte);
+    EXPECT_GT(data, goesOn - mebibyte); // data comes in blocks, whose size is the file system's own
+    EXPECT_LE(data, goesOn);
+    EXPECT_EQ(rcReadFromCache(&cache, goesOn, 7, out.data()), 0);
+    EXPECT_EQ(std::string(out.data(), 7), "goes on");
     EXPECT_EQ(rcPastHole(&cache, data + 1), data + 1);
-    EXPECT_EQ(rcPastHole(&cache, 40 * mebibyte), 64 * mebibyte);
+    EXPECT_EQ(rcPastHole(&cache, 5500 * mebibyte), 6000 * mebibyte);
     EXPECT_EQ(rcPastHole(&cache, mebibyte), data); // back again
-    EXPECT_EQ(rcPastHole(&cache, 65 * mebibyte), 65 * mebibyte);
+    EXPECT_EQ(rcPastHole(&cache, 6001 * mebibyte), 6001 * mebibyte);
     EXPECT_EQ(rcPastHole(&cache, ~std::uint64_t{0}), ~std::uint64_t{0});
 }
 
 TEST_F(CacheTest, ReadsIntegersInBothOrders) {
+    struct Case {
+        std::uint64_t position;
+        std::int32_t order, result;
+        std::uint16_t two;
+        std::uint32_t four;
+        std::uint64_t eight;
+    };
     ASSERT_EQ(open("RIFF\1\2\3\4"), 0);
-    std::uint16_t two = 0;
-    std::uint32_t four = 0;
-    std::uint64_t eight = 0;
-    EXPECT_EQ(rcReadUInt32FromCache(&cache, 0, rcByteOrderBig, &four), 0);
-    EXPECT_EQ(four, 0x52494646U);
-    EXPECT_EQ(rcReadUInt32FromCache(&cache, 0, rcByteOrderLittle, &four), 0);
-    EXPECT_EQ(four, 0x46464952U);
-    EXPECT_EQ(rcReadUInt32FromCache(&cache, 4, 0, &four), 0);
-    EXPECT_EQ(four, 0x46464952U);
-    EXPECT_EQ(rcReadUInt32FromCache(&cache, 5, rcByteOrderBig, &four), fileEofErr);
-    EXPECT_EQ(rcReadUInt16FromCache(&cache, 4, rcByteOrderLittle, &two), 0);
-    EXPECT_EQ(two, 0x0201U);
-    EXPECT_EQ(rcReadUInt64FromCache(&cache, 0, rcByteOrderBig, &eight), 0);
-    EXPECT_EQ(eight, 0x5249464601020304U);
+    for (const Case& c : {Case{0, rcByteOrderBig, 0, 0x5249, 0x52494646, 0x5249464601020304},
+                          {0, rcByteOrderLittle, 0, 0x4952, 0x46464952, 0x0403020146464952},
+                          {0, 0, 0, 9, 9, 9},
+                          {7, rcByteOrderBig, fileEofErr, 9, 9, 9}}) {
+        std::uint16_t two = 9;
+        std::uint32_t four = 9;
+        std::uint64_t eight = 9;
+        EXPECT_EQ(rcReadUInt16FromCache(&cache, c.position, c.order, &two), c.result);
+        EXPECT_EQ(rcReadUInt32FromCache(&cache, c.position, c.order, &four), c.result);
+        EXPECT_EQ(rcReadUInt64FromCache(&cache, c.position, c.order, &eight), c.result);
+        EXPECT_EQ(std::tuple(two, four, eight), std::tuple(c.two, c.four, c.eight)) << c.order;
+    }
 }
 
 TEST_F(CacheTest, HoldsACharacterUnlessTheFileIsShorter) {
@@ -180,44 +200,41 @@ TEST_F(CacheTest, KnowsEmptyAndShrinkingFiles) {
     EXPECT_EQ(rcReadFromCache(&cache, 150, 50, out.data()), fileEofErr); // its refill no longer fits
 }
 
-TEST_F(CacheTest, ReadsBeyondFourGibibytes) {
-    ASSERT_EQ(open(""), 0);
-    rcCloseCacheAndFile(&cache);
-    const std::uint64_t far = (std::uint64_t{5} << 30U) + 3;
-    ASSERT_EQ(truncate(path_.c_str(), static_cast<off_t>(far)), 0);
-    std::filesystem::resize_file(path_, far + 4);
-    ASSERT_EQ(rcOpenCache(&cache, feOpenExistingDataFile(feMakePathText(path_), 0), 100), 0);
-    EXPECT_EQ(rcReadFromCache(&cache, far, 4, out.data()), 0);
-    EXPECT_EQ(rcReadFromCache(&cache, far + 1, 4, out.data()), fileEofErr);
-}
-
 TEST(Files, AreOpenedOnlyWhenTheyAreFiles) {
     const TestFolder folder;
     ASSERT_EQ(mkfifo(folder.path("fifo.mp3").c_str(), 0600), 0);
-    std::uint64_t size = 0;
     for (const std::string& path : {folder.path("fifo.mp3"), folder.path(""), std::string("/dev/zero")}) {
         const std::int32_t refNum = feOpenExistingDataFile(text(path), 0); // does not wait for a writer
         ASSERT_NE(refNum, 0);
-        EXPECT_EQ(feGetEOF(refNum, &size), feHostError(EINVAL));
-        feCloseFile(refNum);
+        rcCacheRec cache;
+        EXPECT_EQ(rcOpenCache(&cache, refNum, rcStandardBufferSize), feHostError(EINVAL));
+        EXPECT_EQ(rcCloseCacheAndFile(&cache), 0);
+        EXPECT_FALSE(isOpen(refNum)) << path;
     }
     EXPECT_EQ(feOpenExistingDataFile(text(folder.path("missing")), 0), 0);
     EXPECT_EQ(feOpenExistingDataFile(text(""), 0), 0);
     EXPECT_EQ(feOpenExistingDataFile(SvxStringGetEmpty(), 0), 0);
 }
 
+TEST(Files, AreOpenedForWritingWhenAsked) {
+    const TestFolder folder;
+    const SvxStringRef path = text(folder.write("file", "x"));
+    for (const auto& [writeAccess, mode] : {std::pair(0, O_RDONLY), {1, O_RDWR}, {2, O_RDONLY}}) {
+        const std::int32_t refNum = feOpenExistingDataFile(path, writeAccess);
+        EXPECT_EQ(fcntl(refNum, F_GETFL) & O_ACCMODE, mode) << writeAccess;
+        feCloseFile(refNum);
+    }
+}
+
 TEST(Files, AreAskedAgainWhenASignalInterrupts) {
-    int calls = 0;
-    EXPECT_EQ(uninterrupted([&calls] {
-                  errno = EINTR;
-                  return ++calls < 3 ? -1 : 7;
-              }),
-              7);
-    EXPECT_EQ(uninterrupted([] {
-                  errno = ENOENT;
-                  return -1;
-              }),
-              -1);
+    for (const auto& [error, expected] : {std::pair(EINTR, 7), {ENOENT, -1}}) {
+        int calls = 0;
+        EXPECT_EQ(uninterrupted([&calls, cause = error] {
+                      errno = cause;
+                      return ++calls < 3 ? -1 : 7;
+                  }),
+                  expected);
+    }
 }
 
 TEST(Files, NeverGetNumberZero) {

@@ -53,23 +53,36 @@ TEST(MpegStream, DecodesHeaders) {
     struct Case {
         std::uint32_t header;
         std::uint8_t version, layer, crc, mode;
-        std::uint32_t bitRate, samplingRate;
+        std::vector<std::uint32_t> bitRates, samplingRates;
     };
-    for (const Case& c : std::vector<Case>{{0xFFFB9000, 3, 1, 1, 0, 128, 44100},
-                                           {0xFFFAE440, 3, 1, 0, 1, 320, 48000},
-                                           {0xFFFD1880, 3, 2, 1, 2, 32, 32000},
-                                           {0xFFFDE0C0, 3, 2, 1, 3, 384, 44100},
-                                           {0xFFF3E000, 2, 1, 1, 0, 160, 22050},
-                                           {0xFFF51400, 2, 2, 1, 0, 8, 24000},
-                                           {0xFFE388C0, 0, 1, 1, 3, 64, 8000},
-                                           {0xFFE4D4FF, 0, 2, 0, 3, 144, 12000}}) {
-        const ReadResult read = readFile("no header yet \xFF\xFF\xFB" + mpegAudio(1000, c.header));
-        EXPECT_EQ(read.result, 0);
-        const audioTags& r = read.record;
-        EXPECT_EQ(std::tuple(r.mp3Version, r.mp3Layer, r.mp3HasCRC, r.mp3ChannelMode, r.mp3BitRate,
-                             r.mp3SamplingRate),
-                  std::tuple(c.version, c.layer, c.crc, c.mode, c.bitRate, c.samplingRate))
-            << std::hex << c.header;
+    const std::vector<std::uint32_t> lowRates = {8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
+    for (const Case& c : std::vector<Case>{{0xFFFB0000,
+                                            3,
+                                            1,
+                                            1,
+                                            0,
+                                            {32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320},
+                                            {44100, 48000, 32000}},
+                                           {0xFFFC00C0,
+                                            3,
+                                            2,
+                                            0,
+                                            3,
+                                            {32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384},
+                                            {44100, 48000, 32000}},
+                                           {0xFFF20040, 2, 1, 0, 1, lowRates, {22050, 24000, 16000}},
+                                           {0xFFF50080, 2, 2, 1, 2, lowRates, {22050, 24000, 16000}},
+                                           {0xFFE300C0, 0, 1, 1, 3, lowRates, {11025, 12000, 8000}},
+                                           {0xFFE400FF, 0, 2, 0, 3, lowRates, {11025, 12000, 8000}}}) {
+        for (std::uint32_t i = 0; i < c.bitRates.size(); ++i) {
+            const std::uint32_t word = c.header | ((i + 1) << 12U) | ((i % 3) << 10U);
+            const auto [result, r] = readFile("no header yet \xFF\xFF\xFB" + mpegAudio(1000, word));
+            EXPECT_EQ(result, 0);
+            EXPECT_EQ(std::tuple(r.mp3Version, r.mp3Layer, r.mp3HasCRC, r.mp3ChannelMode, r.mp3BitRate,
+                                 r.mp3SamplingRate),
+                      std::tuple(c.version, c.layer, c.crc, c.mode, c.bitRates[i], c.samplingRates[i % 3]))
+                << std::hex << word;
+        }
     }
     for (const std::uint32_t header : {0xFFFF9000U, 0xFFF99000U, 0xFFEB9000U, 0xFFFB0000U, 0xFFFBF000U,
                                        0xFFFB9C00U, 0xFFDB9000U, 0xFEFB9000U}) {
@@ -98,14 +111,26 @@ TEST(MpegStream, LooksForXingWhereTheModePutsIt) {
     EXPECT_EQ(readFile(withXing(36, 0xFFFB9000, 1, 0)).record.mp3HasVBR, 0);
     EXPECT_EQ(readFile(withXing(36, 0xFFFB9000, 1, 30, "Info")).record.mp3HasVBR, 0);
     EXPECT_EQ(readFile(withXing(36, 0xFFFB9000, 1, 30).substr(0, 47)).record.mp3BitRate, 128U);
+}
 
-    const ReadResult nothing = readFile(withXing(36, 0xFFFB9000, 1, 0xFFFFFFFF));
-    EXPECT_EQ(nothing.record.mp3BitRate, 0U);
-    EXPECT_EQ(nothing.record.mp3SongLen, 0);
-    EXPECT_EQ(nothing.record.mp3HasVBR, 1);
-    const ReadResult brief = readFile(withXing(36, 0xFFFB9000, 1, 2));
-    EXPECT_EQ(brief.record.mp3BitRate, 760U);
-    EXPECT_EQ(brief.record.mp3SongLen, 0); // not -1
+TEST(MpegStream, AveragesInSinglePrecision) {
+    struct Case {
+        std::uint32_t frames;
+        std::uint64_t bytes; ///< from the header to the file's end
+        std::uint32_t bitRate;
+        std::uint16_t seconds;
+    };
+    for (const Case& c : {Case{10000, 4997964, 153, 260},
+                          {21, 7200, 105, 0},   // with doubles 104
+                          {35, 46400, 405, 0},  // and 406
+                          {1, 56480, 17296, 0}, // and 17297, as with floats to the end
+                          {0xFFFFFFFF, 4964, 0, 0},
+                          {1, std::uint64_t{16} << 30U, 0xFFFFFFFF, 0}}) {
+        const ReadResult read = readFile(withXing(36, 0xFFFB9000, 1, c.frames), c.bytes + 36);
+        EXPECT_EQ(read.record.mp3BitRate, c.bitRate);
+        EXPECT_EQ(read.record.mp3SongLen, c.seconds) << c.bitRate;
+        EXPECT_EQ(read.record.mp3HasVBR, 1);
+    }
 }
 
 TEST(MpegStream, ReadsID3v1OnlyWithoutID3v2Text) {
