@@ -2,6 +2,7 @@
 #include "engine/id3frameText.h"
 #include "engine/id3picture.h"
 #include "tests/support/readBytes.h"
+#include "tests/support/readFile.h"
 #include "tests/support/sampleBytes.h"
 #include "text/stringEngine.h"
 
@@ -188,10 +189,28 @@ TEST(FramePicture, KeepsTheEarlierOneOnFailure) {
     EXPECT_EQ(record.mp3CoverArt.size(), 138U);
     EXPECT_EQ(mp3ReadCoverArt(&record, 0, 160, &file.cache), 0);
     EXPECT_EQ(record.mp3CoverArt.size(), 148U);
-    mp3DisposeTagsData(&record);
-    amdReleaseAudioMetaData(&record);
-    EXPECT_FALSE(record.mp3CoverArt);
-    EXPECT_EQ(record.mp3CoverArtType, fourCC("PNGf"));
+}
+
+TEST(Release, LeavesNothingButNumbers) {
+    OpenBytes file(bytes("image/png\0\3\0") + std::string(200, 'p'));
+    for (const auto release : {mp3DisposeTagsData, amdReleaseAudioMetaData}) {
+        audioTags record;
+        for (SvxStringRef* field :
+             {&record.mp3SongTitleString, &record.mp3ArtistString, &record.mp3AlbumString,
+              &record.mp3ComposerString, &record.mp3CommentString, &record.mp3Genre2String,
+              &record.mp3LyricsString, &record.mp3EncoderAppString}) {
+            *field = text("text");
+        }
+        record.mp3Year = 1999;
+        ASSERT_EQ(mp3ReadCoverArt(&record, 0, 150, &file.cache), 0);
+        for (int i = 0; i < 2; ++i) {
+            release(&record);
+            EXPECT_EQ(tagsOf(record), "-|-|-|-|-|-|-|-|1999|0/0");
+            EXPECT_FALSE(record.mp3CoverArt);
+            EXPECT_EQ(record.mp3CoverArtPlace.size, 0U);
+            EXPECT_EQ(record.mp3CoverArtType, fourCC("PNGf"));
+        }
+    }
 }
 
 TEST(FramePicture, IsNoneWhenItsDecoderRunsOutOfMemory) {
