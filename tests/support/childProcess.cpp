@@ -75,8 +75,11 @@ std::string ChildProcess::read() const {
     return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0))};
 }
 
+/// Not to one that has ended: -1 would be everybody.
 void ChildProcess::signal(int number) const {
-    kill(process_, number);
+    if (process_ > 0) {
+        kill(process_, number);
+    }
 }
 
 bool ChildProcess::hasEnded(int milliseconds) {
