@@ -153,7 +153,7 @@ void AppController::loadHelpWindow() {
     help.setupUi(helpWindow);
     helpWebView = help.helpWebView;
     connect(helpWebView, &QTextBrowser::anchorClicked, this,
-            [](const QUrl& link) { openUrl(link.toEncoded().toStdString()); });
+            [this](const QUrl& link) { openLink(link.toEncoded().toStdString()); });
     closeByKey(helpWindow);
 }
 

@@ -258,7 +258,8 @@ private:
     [[nodiscard]] QAction* command(const char* name) const;
     void rename(RenamePattern pattern);
     void find(FindKey key);
-    void withShownItem(const std::function<void(const std::string& path)>& then);
+    void openLink(const std::string& url);
+    void openShownItem(const std::function<bool(const std::string& path)>& open, const QString& failure);
     void editWith(std::uint32_t creator, const QString& failure);
     void showAlert(const QString& title);
     void addInstalledEditors();

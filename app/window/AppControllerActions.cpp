@@ -22,15 +22,6 @@ static void loadHelpPage() {
 
 namespace sonarin {
 
-namespace {
-
-/// The texts of URLs are ASCII.
-void openUrlText(const SvxStringRef& url) {
-    openUrl(cocoaUtils::stringFromText(url).toStdString());
-}
-
-} // namespace
-
 void AppController::rename(RenamePattern pattern) {
     if (isRenaming_) {
         say(QStringLiteral("Renaming…"));
@@ -66,8 +57,14 @@ bool AppController::renameFileAtPath(const QString& path, const SvxStringRef& ne
     return *result == fileNoErr;
 }
 
+/// Beside the window, since the bus that may have to start the program may hang.
+void AppController::openLink(const std::string& url) {
+    sideWork_.start(
+        {}, [url] { openUrl(url); }, nullptr);
+}
+
 void AppController::find(FindKey key) {
-    openUrlText(findUrl(key, currentItem));
+    openLink(cocoaUtils::stringFromText(findUrl(key, currentItem)).toStdString());
 }
 
 void AppController::editWithMediaRage() {
@@ -83,32 +80,32 @@ void AppController::editWithID3X() {
     editWith(fourCC("id3x"), QStringLiteral("The application ID3X could not be found and launched."));
 }
 
-/// Calls `then` with the path of the item shown, which is empty when there is none any more: at once, or when
-/// its disk has answered.
-void AppController::withShownItem(const std::function<void(const std::string& path)>& then) {
-    struct Look {
-        std::string path;
+/// Has `open` open the item shown, beside the window, where the disk and the bus may hang; says so when it
+/// does not, or the item is there no more.
+void AppController::openShownItem(const std::function<bool(const std::string& path)>& open,
+                                  const QString& failure) {
+    struct Opening {
+        bool hasFailed = true;
         bool isOver = false;
         bool isLate = false;
     };
-    const auto look = std::make_shared<Look>(Look{cocoaUtils::hostPath(lastPath)});
-    const auto work = [look] {
-        if (access(look->path.c_str(), F_OK) != 0) {
-            look->path.clear();
-        }
+    const auto opening = std::make_shared<Opening>();
+    const std::string path = cocoaUtils::hostPath(lastPath);
+    const auto work = [opening, path, open] {
+        opening->hasFailed = access(path.c_str(), F_OK) != 0 || !open(path);
     };
-    const auto done = [this, look, then] {
-        look->isOver = true;
-        if (look->isLate) {
-            later_.emplace_back([look, then] { then(look->path); });
+    const auto done = [this, opening, failure] {
+        opening->isOver = true;
+        if (opening->hasFailed && opening->isLate) {
+            later_.emplace_back([this, failure] { showAlert(failure); });
             QMetaObject::invokeMethod(this, "doLater", Qt::QueuedConnection);
         }
     };
-    sideWork_.start(look->path, work, done);
-    if (sideWork_.waitUntil([look] { return look->isOver; })) {
-        then(look->path);
+    sideWork_.start(path, work, done);
+    if (sideWork_.waitUntil([opening] { return opening->isOver; }) && opening->hasFailed) {
+        showAlert(failure);
     }
-    look->isLate = !look->isOver;
+    opening->isLate = !opening->isOver;
 }
 
 /// What may end in an alert, which stays until it is dismissed, must not do so within somebody's wait.
@@ -119,11 +116,7 @@ void AppController::doLater() {
 }
 
 void AppController::editWith(std::uint32_t creator, const QString& failure) {
-    withShownItem([this, creator, failure](const std::string& path) {
-        if (path.empty() || !openFileWithCreator(path, creator)) {
-            showAlert(failure);
-        }
-    });
+    openShownItem([creator](const std::string& path) { return openFileWithCreator(path, creator); }, failure);
 }
 
 void AppController::showAlert(const QString& title) {
@@ -158,12 +151,8 @@ void AppController::addInstalledEditors() {
     for (const DesktopEditor& editor : editors_) {
         const QString name = QString::fromStdString(editor.name);
         editTagsPopup->addItemWithTitle(name, [this, id = editor.desktopId, name] {
-            withShownItem([this, id, name](const std::string& path) {
-                if (path.empty() || !openFileWithProgram(path, id)) {
-                    showAlert(
-                        QStringLiteral("The application %1 could not be found and launched.").arg(name));
-                }
-            });
+            openShownItem([id](const std::string& path) { return openFileWithProgram(path, id); },
+                          QStringLiteral("The application %1 could not be found and launched.").arg(name));
         });
     }
 }
@@ -177,7 +166,7 @@ void AppController::showLyrics() {
 
 void AppController::sendToTwitter() {
     if (canTellTwitter(currentItem)) {
-        openUrlText(twitterUrl(currentItem));
+        openLink(cocoaUtils::stringFromText(twitterUrl(currentItem)).toStdString());
     }
 }
 
@@ -194,11 +183,11 @@ void AppController::showHelp() {
 }
 
 void AppController::poweredByShelvix() {
-    openUrl(homeUrl);
+    openLink(homeUrl);
 }
 
 void AppController::donate() {
-    openUrl(donationUrl);
+    openLink(donationUrl);
 }
 
 } // namespace sonarin

@@ -19,4 +19,17 @@ bool doesBusAnswer(const std::string& address) {
     return true;
 }
 
+/// At the moment when a connection would raise the signal, since nobody tells when another library opens one.
+void outliveTheBus() {
+    g_type_class_ref(G_TYPE_DBUS_CONNECTION); // whose signal is not there before
+    const auto stay = [](GSignalInvocationHint* /*hint*/, guint /*count*/, const GValue* values,
+                         gpointer /*data*/) -> gboolean {
+        g_dbus_connection_set_exit_on_close(G_DBUS_CONNECTION(g_value_get_object(values)), FALSE);
+        return TRUE;
+    };
+    static const gulong hook = g_signal_add_emission_hook(g_signal_lookup("closed", G_TYPE_DBUS_CONNECTION),
+                                                          0, stay, nullptr, nullptr);
+    (void)hook;
+}
+
 } // namespace sonarin

@@ -9,4 +9,8 @@ namespace sonarin {
 /// does.
 [[nodiscard]] bool doesBusAnswer(const std::string& address);
 
+/// Starting a program brings a connection of GIO's own along, and so may a plug-in of the toolkit. It raises
+/// SIGTERM when its bus goes away: from here on, none does.
+void outliveTheBus();
+
 } // namespace sonarin

@@ -28,17 +28,6 @@ using TextList = std::unique_ptr<char*, FreedBy<g_strfreev>>;
 template <class Thing>
 using Object = std::unique_ptr<Thing, FreedBy<g_object_unref>>;
 
-/// GIO and its modules share one connection to the session bus, which would end the program when the bus goes
-/// away. To be called before anything of GIO that may use the bus.
-void outliveTheBus() {
-    // Kept, since what is said to a connection that nobody keeps goes with it.
-    static Object<GDBusConnection> bus;
-    bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
-    if (bus) {
-        g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
-    }
-}
-
 constexpr const char* creatorKey = "X-HFS-Creator";
 
 /// The code that one item of the key's list stands for: "Tagr" or "0x4D6564A8".
@@ -153,7 +142,6 @@ bool openFileWith(GDesktopAppInfo* program, const std::string& path) {
 } // namespace
 
 bool openUrl(const std::string& url) {
-    outliveTheBus();
     const Text scheme(g_uri_parse_scheme(url.c_str()));
     if (!scheme) {
         return false;
@@ -181,7 +169,6 @@ std::vector<DesktopEditor> installedEditors() {
 }
 
 bool openFileWithCreator(const std::string& path, std::uint32_t creator) {
-    outliveTheBus();
     for (const auto& program : installedPrograms()) {
         const std::vector<std::uint32_t> codes = creatorCodes(program.get());
         if (std::find(codes.begin(), codes.end(), creator) != codes.end()) {
@@ -197,7 +184,6 @@ std::string desktopLibraryVersion() {
 }
 
 bool openFileWithProgram(const std::string& path, const std::string& desktopId) {
-    outliveTheBus();
     const Object<GDesktopAppInfo> program(g_desktop_app_info_new(desktopId.c_str()));
     return program && openFileWith(program.get(), path);
 }

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
-/// The installed programs, by their desktop entries (freedesktop.org, version 1.5).
+/// The installed programs, by their desktop entries (freedesktop.org, version 1.5). For any thread but the
+/// window's: what starts programs asks the session bus, which may hang, and so may the disks that hold the
+/// entries.
 namespace sonarin {
 
 /// Hands the URL to the program that the user's desktop has for its scheme. False, with nothing started, when
@@ -20,8 +22,7 @@ struct DesktopEditor {
 
 /// The editors of tags among the installed programs, by name: those whose entry is meant for menus and either
 /// carries a creator code in the key X-HFS-Creator, or names an audio type and has the category
-/// AudioVideoEditing or a keyword of tag editors. For any thread: may hang on the disks that hold the
-/// entries.
+/// AudioVideoEditing or a keyword of tag editors.
 [[nodiscard]] std::vector<DesktopEditor> installedEditors();
 
 /// Opens the file with the installed program whose entry lists the four-character creator code under

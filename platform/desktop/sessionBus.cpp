@@ -22,6 +22,7 @@ std::string busAddress() {
 } // namespace
 
 SessionBus::SessionBus(QObject* parent) : QObject(parent), connection_(QString()) {
+    outliveTheBus();
     connectAnew();
     retry_.callOnTimeout(this, &SessionBus::watch);
     retry_.start(std::chrono::seconds(2));

@@ -2,6 +2,7 @@
 #include "app/window/cocoaUtils.h"
 #include "platform/desktop/busSources.h"
 #include "platform/desktop/desktopApplication.h"
+#include "tests/window/gioConnection.h"
 #include "tests/window/windowSupport.h"
 
 #include <gtest/gtest.h>
@@ -320,11 +321,15 @@ TEST_F(Following, ChecksAddAndRemoveConnectors) {
     EXPECT_EQ(list->item(0)->checkState(), Qt::Unchecked);
 }
 
+/// Also where a program was started, which makes a connection of GIO's.
 TEST_F(OnTheBus, GoesOnWhenTheBusIsBack) {
     controller.useCurrentiTunesSongForSync();
-    controller.poweredByShelvix(); // starting a program brings GIO's own connection along
+    const GioConnection kept;
+    ASSERT_TRUE(kept.endsTheProgramWithTheBus());
+    controller.poweredByShelvix();
     EXPECT_NE(calledWith("browser"), "");
     TestBus::stop();
+    EXPECT_TRUE(waitFor([&] { return kept.hasClosed(); }));
     runFor(500);
     TestBus::start();
     BusProgram player({"org.mpris.MediaPlayer2.p"});
@@ -338,6 +343,7 @@ TEST_F(OnTheBus, WaitsForABusThatHangsBesideTheWindow) {
     TestBus::stop();
     TestBus::start();
     TestBus::signal(SIGSTOP);
+    controller.poweredByShelvix(); // which GIO asks the bus for
     qint64 longest = 0;
     QElapsedTimer pause;
     for (int i = 0; i < 350; ++i) {
@@ -347,6 +353,7 @@ TEST_F(OnTheBus, WaitsForABusThatHangsBesideTheWindow) {
     }
     EXPECT_LT(longest, 1000);
     TestBus::signal(SIGCONT);
+    EXPECT_NE(calledWith("browser"), "");
     BusProgram player({"org.mpris.MediaPlayer2.p"});
     player.play(song("back"));
     EXPECT_TRUE(shows("back"));
