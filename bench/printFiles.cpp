@@ -7,6 +7,7 @@
 #include "engine/fileEngine.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
+#include "text/stringEngine.h"
 
 #include <fcntl.h>
 #include <malloc.h>
@@ -21,7 +22,7 @@ void startUp() {
     static const bool done = [] {
         mallopt(M_TRIM_THRESHOLD, 8 << 20);
         mallopt(M_MMAP_THRESHOLD, 1 << 20);
-        initStringBundle(bundleIdentifier);
+        initStringBundle(SvxStringFromCString(bundleIdentifier));
         svxStringInitString();
         return true;
     }();

@@ -9,6 +9,7 @@
 #include "engine/fileEngine.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
+#include "text/stringEngine.h"
 
 #include <exception>
 #include <malloc.h>
@@ -58,7 +59,7 @@ int run(int argc, char** argv) {
     mallopt(M_MMAP_THRESHOLD, 1 << 20); // NOLINT(concurrency-mt-unsafe)
     mallopt(M_MXFAST, 0); // NOLINT(concurrency-mt-unsafe): or freeing the buffer walks all fast bins
 
-    initStringBundle(bundleIdentifier);
+    initStringBundle(SvxStringFromCString(bundleIdentifier));
     svxStringInitString();
     return call->action == CommandLine::Action::writeCover ? writeCoverOf(*call) : showFiles(*call);
 }

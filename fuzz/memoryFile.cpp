@@ -8,6 +8,7 @@
 #include "engine/fileEngine.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
+#include "text/stringEngine.h"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -35,7 +36,7 @@ SvxStringRef MemoryFile::path() const {
 
 void startUp() {
     static const bool done = [] {
-        initStringBundle(bundleIdentifier);
+        initStringBundle(SvxStringFromCString(bundleIdentifier));
         svxStringInitString();
         return true;
     }();

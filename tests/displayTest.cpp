@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "app/shownFile.h"
 #include "tests/support/testFolder.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
@@ -91,7 +92,7 @@ TEST(Display, FollowsTheLocaleVariables) {
 
 /// The keys of a language's table that have a text.
 std::set<std::string> keysOf(const std::string& language) {
-    std::ifstream file(gCFBundleRef->folder() + "/" + language + ".lproj/Localizable.strings");
+    std::ifstream file(gCFBundleRef.load()->folder() + "/" + language + ".lproj/Localizable.strings");
     const std::string content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     std::set<std::string> keys;
     for (const auto& [key, text] : parseStringsFile(content)) {
@@ -104,24 +105,41 @@ std::set<std::string> keysOf(const std::string& language) {
 
 TEST(LocalizedStrings, AreCompleteInEveryLanguage) {
     startUpIn("C");
-    ASSERT_NE(gCFBundleRef, nullptr);
+    const StringBundle* const own = gCFBundleRef;
+    ASSERT_NE(own, nullptr);
     const auto english = keysOf("en");
     ASSERT_EQ(english.size(), 192 + 4);
     for (const std::string language : {"de", "fr", "ja"}) {
         EXPECT_EQ(keysOf(language), english) << language;
-        const StringBundle bundle(gCFBundleRef->folder(), language);
+        const StringBundle bundle(own->folder(), language);
         EXPECT_EQ(plain(bundle.localizedString("STR#1001:47", "Localizable")), "STR#1001:47");
         EXPECT_EQ(plain(bundle.localizedString("STR#1001:46", "NoSuchTable")), "STR#1001:46");
     }
     for (int genre = 1; genre <= 192; ++genre) {
         EXPECT_EQ(english.count("STR#513:" + std::to_string(genre)), 1) << genre;
     }
-    const StringBundle german(gCFBundleRef->folder(), "de");
+    const StringBundle german(own->folder(), "de");
     EXPECT_EQ(plain(german.localizedString("STR#513:33", "Localizable")), "Klassik");
-    const StringBundle unknown(gCFBundleRef->folder(), "xx");
+    const StringBundle unknown(own->folder(), "xx");
     EXPECT_EQ(plain(unknown.localizedString("STR#513:33", "Localizable")), "Classical");
     EXPECT_EQ(plain(iuGetIndCFString(513, -1)), "STR#513:-1");
     EXPECT_EQ(plain(SvxStringGetFromTable(513, 18)), "Rock");
+}
+
+TEST(LocalizedStrings, ComeFromTheBundleThatWasAskedForLast) {
+    const StringBundle* const none = nullptr;
+    const SvxStringRef own = SvxStringFromCString(bundleIdentifier);
+    for (const SvxStringRef& missing : {text("org.example.Missing"), text("")}) {
+        EXPECT_EQ(initStringBundle(missing), none);
+        EXPECT_EQ(gCFBundleRef, none);
+        EXPECT_EQ(plain(iuGetIndCFString(513, 18)), "STR#513:18");
+        EXPECT_EQ(plain(SvxStringGetFromEnglishTable(513, 18)), "STR#513:18");
+        const StringBundle* const found = initStringBundle(own);
+        EXPECT_EQ(found, gCFBundleRef);
+        EXPECT_EQ(plain(SvxStringGetFromEnglishTable(513, 18)), "Rock");
+        EXPECT_EQ(initStringBundle(SvxStringGetEmpty()), none);
+        EXPECT_EQ(found, gCFBundleRef); // to ask for none changes nothing
+    }
 }
 
 TEST(LocalizedStrings, ParseTheirSyntax) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/sampleBytes.h"
 #include "tests/support/testFolder.h"
+#include "text/CMMCoreFunctions.h"
 #include "text/stringEngine.h"
 #include "text/textDecoding.h"
 #include "text/textSearch.h"
@@ -24,6 +25,9 @@ TEST(TextValue, TellsAbsentFromEmpty) {
     EXPECT_EQ(SvxStringRelease(&field), 0);
     EXPECT_EQ(SvxStringRelease(&field), 0);
     EXPECT_EQ(plain(kept), "x");
+    uCFRelease(&kept);
+    uCFRelease(nullptr);
+    EXPECT_FALSE(SvxStringIsValid(kept));
     EXPECT_FALSE(SvxStringIsValid(SvxStringGetEmpty()));
     EXPECT_TRUE(SvxStringIsValid(text("")));
     EXPECT_EQ(SvxStringGetLength(text("")), 0);
@@ -142,6 +146,8 @@ TEST(TextValue, TestsBeginningsAndEnds) {
     EXPECT_TRUE(SvxStringBeginsWithCString(text("É x"), "\x83", true)); // É in Mac OS Roman
     EXPECT_TRUE(SvxStringEndsWith(text("cafe\u0301"), text("É"), false));
     EXPECT_FALSE(SvxStringEndsWith(SvxStringGetEmpty(), text("a"), false));
+    EXPECT_FALSE(SvxStringBeginsWithCString(text("a"), nullptr, false));
+    EXPECT_FALSE(SvxStringEndsWithCString(text("a"), nullptr, false));
 }
 
 /// The quick search rests on a short list of the characters that can stand for ASCII letters: all of Unicode

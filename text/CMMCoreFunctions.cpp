@@ -5,20 +5,30 @@
 
 #include <algorithm>
 #include <charconv>
+#include <exception>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <string>
 #include <string_view>
 
 namespace sonarin {
 
-const StringBundle* gCFBundleRef = nullptr;
-
-const StringBundle* initStringBundle(const char* bundleIdentifier) noexcept {
-    static const std::unique_ptr<StringBundle> bundle = StringBundle::find(bundleIdentifier);
-    gCFBundleRef = bundle.get();
-    return gCFBundleRef;
-}
+std::atomic<const StringBundle*> gCFBundleRef = nullptr;
 
 namespace {
+
+/// The bundle with that identifier, looked for until it is found.
+const StringBundle* bundleNamed(const std::string& identifier) {
+    static std::mutex mutex;
+    static std::map<std::string, std::unique_ptr<const StringBundle>> found;
+    const std::lock_guard lock(mutex);
+    std::unique_ptr<const StringBundle>& bundle = found[identifier];
+    if (!bundle) {
+        bundle = StringBundle::find(identifier);
+    }
+    return bundle.get();
+}
 
 SvxStringRef textIn(const StringBundle* bundle, std::int16_t table, std::int16_t index) {
     const std::string_view start = "STR#";
@@ -33,6 +43,23 @@ SvxStringRef textIn(const StringBundle* bundle, std::int16_t table, std::int16_t
 
 } // namespace
 
+const StringBundle* initStringBundle(const SvxStringRef& bundleIdentifier) noexcept {
+    if (!bundleIdentifier) {
+        return nullptr;
+    }
+    const StringBundle* bundle = nullptr;
+    try {
+        std::uint32_t size = SvxStringGetUTF8Size(bundleIdentifier);
+        std::string identifier(size, '\0');
+        SvxStringCopyToUTF8(bundleIdentifier, identifier.data(), &size);
+        bundle = bundleNamed(identifier);
+    } catch (const std::exception&) {
+        // Out of memory: as if there were no bundle.
+    }
+    gCFBundleRef = bundle;
+    return bundle;
+}
+
 SvxStringRef iuGetIndCFString(std::int16_t table, std::int16_t index) noexcept {
     return textIn(gCFBundleRef, table, index);
 }
@@ -42,11 +69,8 @@ SvxStringRef SvxStringGetFromTable(std::int16_t table, std::int16_t index) noexc
 }
 
 SvxStringRef SvxStringGetFromEnglishTable(std::int16_t table, std::int16_t index) noexcept {
-    if (gCFBundleRef == nullptr) {
-        return textIn(nullptr, table, index);
-    }
-    static const StringBundle english(gCFBundleRef->folder(), "en");
-    return textIn(&english, table, index);
+    const StringBundle* bundle = gCFBundleRef;
+    return textIn(bundle != nullptr ? &bundle->english() : nullptr, table, index);
 }
 
 void utMakeHFSStringFromCFString(const SvxStringRef& text, HFSUniStr255* name) noexcept {
@@ -58,7 +82,9 @@ void utMakeHFSStringFromCFString(const SvxStringRef& text, HFSUniStr255* name) n
 }
 
 void uCFRelease(SvxStringRef* text) noexcept {
-    *text = nullptr;
+    if (text != nullptr) {
+        *text = nullptr;
+    }
 }
 
 } // namespace sonarin

@@ -5,17 +5,18 @@
 #include "text/stringBundle.h"
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 
 /// Localized strings by table and index, and small conversions.
 namespace sonarin {
 
 /// The program's own bundle; null until initStringBundle has found it. Lives as long as the process.
-extern const StringBundle* gCFBundleRef;
+extern std::atomic<const StringBundle*> gCFBundleRef;
 
-/// Finds the bundle with that identifier and keeps it in gCFBundleRef, which is answered. Called once, at
-/// start-up.
-const StringBundle* initStringBundle(const char* bundleIdentifier) noexcept;
+/// Finds the bundle with that identifier and keeps it in gCFBundleRef: null when there is none. Answers what
+/// it found. A bundle that was found once stays, for those who still read from it. Absent does nothing.
+const StringBundle* initStringBundle(const SvxStringRef& bundleIdentifier) noexcept;
 
 /// The localized text under the key "STR#table:index" of the strings table "Localizable". A missing key, and
 /// a missing bundle, answer the key itself.
@@ -35,7 +36,7 @@ struct HFSUniStr255 {
 /// Fills `*name` with the text's first 255 units, without a mark where it was cut; absent gives length 0.
 void utMakeHFSStringFromCFString(const SvxStringRef& text, HFSUniStr255* name) noexcept;
 
-/// Gives a reference up; absent is fine.
+/// Gives a reference up; absent is fine, and so is null.
 void uCFRelease(SvxStringRef* text) noexcept;
 
 } // namespace sonarin

@@ -30,7 +30,7 @@ std::unique_ptr<StringBundle> StringBundle::find(const std::string& identifier) 
         const fs::path programFolder = fs::read_symlink("/proc/self/exe", failed).parent_path();
         for (const fs::path& parent : {programFolder, programFolder.parent_path()}) {
             const fs::path folder = parent / "share" / identifier;
-            if (!failed && isFolder(folder)) {
+            if (!failed && !identifier.empty() && isFolder(folder)) {
                 return std::make_unique<StringBundle>(folder.string(), userLanguage());
             }
         }
@@ -42,7 +42,9 @@ std::unique_ptr<StringBundle> StringBundle::find(const std::string& identifier) 
 
 StringBundle::StringBundle(std::string folder, const std::string& language) : folder_(std::move(folder)) {
     const fs::path wanted = fs::path(folder_) / (language + ".lproj");
-    languageFolder_ = isFolder(wanted) ? wanted.string() : (fs::path(folder_) / "en.lproj").string();
+    const bool isForeign = language != "en" && isFolder(wanted);
+    languageFolder_ = isForeign ? wanted.string() : (fs::path(folder_) / "en.lproj").string();
+    english_ = isForeign ? std::make_unique<const StringBundle>(folder_, "en") : nullptr;
 }
 
 SvxStringRef StringBundle::localizedString(std::string_view key, std::string_view table) const noexcept {

@@ -28,6 +28,9 @@ public:
     /// once. Threads may ask at the same time.
     [[nodiscard]] SvxStringRef localizedString(std::string_view key, std::string_view table) const noexcept;
 
+    /// The same bundle for a user of English.
+    [[nodiscard]] const StringBundle& english() const noexcept { return english_ ? *english_ : *this; }
+
     /// Where the bundle's other resources lie.
     [[nodiscard]] const std::string& folder() const noexcept { return folder_; }
 
@@ -37,6 +40,7 @@ private:
 
     std::string folder_;
     std::string languageFolder_;
+    std::unique_ptr<const StringBundle> english_; ///< null when this one is
     mutable std::mutex tablesMutex_;
     mutable std::map<std::string, Table, std::less<>> tables_; ///< a table that is there does not change
 };

@@ -49,9 +49,13 @@ SvxStringRef makeText(std::u16string_view wide) {
 
 /// The tests with a needle in Mac OS Roman. An ASCII one, the usual kind, needs no decoding.
 template <class Test>
-bool testWithCString(const SvxStringRef& text, std::string_view needle, bool caseSensitive,
+bool testWithCString(const SvxStringRef& text, const char* needleBytes, bool caseSensitive,
                      Test test) noexcept {
+    if (needleBytes == nullptr) {
+        return false;
+    }
     try {
+        const std::string_view needle(needleBytes);
         const bool isAscii = asciiRun(needle) == needle.size();
         const SvxStringRef decoded = isAscii ? makeText(needle) : SvxStringFromCString(needle);
         return text && decoded && test(*text, *decoded, caseSensitive);

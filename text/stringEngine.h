@@ -88,7 +88,7 @@ void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition)
                                      bool caseSensitive) noexcept;
 [[nodiscard]] bool SvxStringContains(const SvxStringRef& text, const SvxStringRef& needle,
                                      bool caseSensitive) noexcept;
-/// As above; the needle is a zero-terminated byte string in Mac OS Roman.
+/// As above; the needle is a zero-terminated byte string in Mac OS Roman, null for none.
 [[nodiscard]] bool SvxStringBeginsWithCString(const SvxStringRef& text, const char* needle,
                                               bool caseSensitive) noexcept;
 [[nodiscard]] bool SvxStringEndsWithCString(const SvxStringRef& text, const char* needle,

@@ -11,6 +11,7 @@
 #include "platform/desktop/fileUri.h"
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
+#include "text/stringEngine.h"
 #include "ui_HelpWindow.h"
 #include "ui_LyricsWindow.h"
 #include "ui_MainWindow.h"
@@ -82,7 +83,7 @@ bool isForUs(const QMimeData* data) {
 
 AppController::AppController(SelectionSources* sources, UserDefaults* defaults, QObject* parent)
     : QObject(parent), sources_(sources), defaults_(defaults) {
-    initStringBundle(bundleIdentifier);
+    initStringBundle(SvxStringFromCString(bundleIdentifier));
     svxStringInitString();
     describeToScreenReaders();
     loadInterface();

@@ -50,7 +50,7 @@ std::string plain(const SvxStringRef& text) {
 
 void startUpIn(const char* locale) {
     setenv("LC_ALL", locale, 1);
-    initStringBundle(bundleIdentifier);
+    initStringBundle(SvxStringFromCString(bundleIdentifier));
     svxStringInitString();
 }
 
