@@ -5,6 +5,7 @@
 #include "text/stringEngine.h"
 #include "text/textDecoding.h"
 #include "text/textSearch.h"
+#include "text/unicodeForms.h"
 
 #include <gtest/gtest.h>
 #include <unicode/normalizer2.h>
@@ -212,6 +213,8 @@ TEST(TextValue, LeavesAsUtf8AndAsUrl) {
     EXPECT_EQ(utf8(text(bytes("ab\0cd"))), "ab#");
     EXPECT_EQ(utf8(SvxStringFromUTF16(u"ab\xD800")), "#"); // a lone surrogate has no UTF-8 form
     EXPECT_EQ(utf8(SvxStringGetEmpty()), "#");
+    EXPECT_EQ(utf8SizeIn32Bits(0xFFFFFFFF), 0xFFFFFFFF);
+    EXPECT_EQ(utf8SizeIn32Bits(0x100000002), 0); // nothing may be copied to where two bytes have room
 
     EXPECT_EQ(plain(SvxStringConvertToURL(text("AC/DC & Friends"))), "AC%2FDC%20%26%20Friends");
     EXPECT_EQ(plain(SvxStringConvertToURL(text("Motörhead"))), "Mot%C3%B6rhead");

@@ -415,7 +415,7 @@ std::uint32_t SvxStringGetUTF8Size(const SvxStringRef& text) noexcept {
         return 0;
     }
     const std::string_view ascii = plainAscii(*text);
-    return static_cast<std::uint32_t>(!ascii.empty() ? ascii.size() : utf8Size(*text).value_or(0));
+    return utf8SizeIn32Bits(!ascii.empty() ? ascii.size() : utf8Size(*text).value_or(0));
 }
 
 void SvxStringCopyToUTF8(const SvxStringRef& text, char* destination, std::uint32_t* size) noexcept {

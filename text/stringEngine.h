@@ -97,7 +97,7 @@ void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition)
 // --- leaving the world of texts -------------------------------------------------------------------------
 
 /// The number of bytes of the UTF-8 form, without a terminator. The form ends before the first U+0000; a text
-/// with a lone surrogate has none, which gives 0.
+/// with a lone surrogate has none, nor one whose form takes 4 GiB or more, which gives 0.
 [[nodiscard]] std::uint32_t SvxStringGetUTF8Size(const SvxStringRef& text) noexcept;
 /// Writes the UTF-8 form to `destination`, which must hold SvxStringGetUTF8Size bytes, without a terminator,
 /// and its size to `*size`.
