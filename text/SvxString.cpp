@@ -73,8 +73,8 @@ thread_local const ShortBlocksOwner shortBlocksOwner;
 
 } // namespace
 
-SvxString* SvxString::allocate(std::size_t count, bool wide) noexcept {
-    const std::size_t size = blockSize(count, wide);
+SvxString* SvxString::allocate(std::size_t capacity, bool wide) noexcept {
+    const std::size_t size = blockSize(capacity, wide);
     if (size == 0) {
         return nullptr;
     }
@@ -87,8 +87,7 @@ SvxString* SvxString::allocate(std::size_t count, bool wide) noexcept {
         return nullptr;
     }
     auto* text = new (block) SvxString;
-    text->count_ = count;
-    text->capacity_ = isShort ? (shortBlockSize - sizeof(SvxString)) / (wide ? 2 : 1) : count;
+    text->capacity_ = isShort ? (shortBlockSize - sizeof(SvxString)) / (wide ? 2 : 1) : capacity;
     text->wide_ = wide;
     return text;
 }
@@ -100,62 +99,38 @@ void SvxStringRef::destroy(SvxString* text) noexcept {
     }
 }
 
-/// Makes the text one that only this reference holds, with room for `count` units of that width.
-bool SvxStringRef::makeRoom(std::size_t count, bool wide) noexcept {
-    const bool sole = text_->isHeldOnce() && text_->wide_ == wide;
-    if (sole && count <= text_->capacity_) {
-        return true;
+/// `*text` itself, when it is of that width and held once, or a copy; the answer is the only reference.
+SvxStringRef SvxString::takeOver(SvxStringRef* text, std::size_t capacity, bool wide) noexcept {
+    SvxString*& old = text->text_;
+    const bool isSole = old->wide_ == wide && old->isHeldOnce();
+    if (isSole && capacity <= old->capacity_) {
+        return std::exchange(*text, nullptr);
     }
-    const std::size_t capacity = std::max(count, 2 * text_->count_);
-    const std::size_t size = blockSize(capacity, wide);
-    if (size == 0) {
-        return false;
-    }
-    if (sole) {
-        void* grown = std::realloc(text_, size);
+    const std::size_t roomy = std::max(capacity, 2 * old->count_);
+    const std::size_t size = blockSize(roomy, wide);
+    if (isSole) {
+        void* grown = size != 0 ? std::realloc(old, size) : nullptr;
         if (grown == nullptr) {
-            return false;
+            return nullptr;
         }
-        text_ = static_cast<SvxString*>(grown);
-        text_->capacity_ = capacity;
-        return true;
+        old = static_cast<SvxString*>(grown);
+        old->capacity_ = roomy;
+        return std::exchange(*text, nullptr);
     }
-    SvxStringRef copy(SvxString::allocate(capacity, wide));
-    if (!copy) {
-        return false;
+    SvxString* const copy = allocate(roomy, wide);
+    if (copy != nullptr) {
+        old->visit([copy](auto units) {
+            if (copy->wide_) {
+                copyUnits(units, static_cast<char16_t*>(copy->units()));
+            } else {
+                copyUnits(units, static_cast<char*>(copy->units()));
+            }
+        });
+        *text = nullptr;
     }
-    copy.text_->count_ = text_->count_;
-    text_->visit([&copy, wide](auto units) {
-        if (wide) {
-            copyUnits(units, static_cast<char16_t*>(copy.text_->units()));
-        } else if constexpr (sizeof(units[0]) == 1) {
-            copyUnits(units, static_cast<char*>(copy.text_->units()));
-        }
-    });
-    *this = std::move(copy);
-    return true;
+    return SvxStringRef(copy);
 }
 
 // NOLINTEND(cppcoreguidelines-no-malloc)
-
-bool SvxStringRef::appendAfterBlank(const SvxString& addition) noexcept {
-    const std::size_t count = text_->count_ + 1 + addition.count_;
-    if (!makeRoom(count, text_->wide_ || addition.wide_)) {
-        return false;
-    }
-    const std::size_t end = std::exchange(text_->count_, count);
-    addition.visit([this, end](auto more) {
-        if (text_->wide_) {
-            char16_t* out = static_cast<char16_t*>(text_->units()) + end;
-            *out = u' ';
-            copyUnits(more, out + 1);
-        } else if constexpr (sizeof(more[0]) == 1) {
-            char* out = static_cast<char*>(text_->units()) + end;
-            *out = ' ';
-            copyUnits(more, out + 1);
-        }
-    });
-    return true;
-}
 
 } // namespace sonarin

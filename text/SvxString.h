@@ -23,21 +23,18 @@ constexpr char16_t unitOf(char16_t stored) noexcept {
 }
 
 class SvxStringRef;
+template <class Unit>
+class SvxStringBuilder;
 
 /// An immutable run of UTF-16 code units, in native byte order; any units are allowed, lone surrogates too.
 ///
 /// A text whose units all lie below 0x100 keeps one byte for each ("narrow"), any other two ("wide"): most
 /// tag texts are narrow, and a lyrics frame of 200 MB then costs 200 MB. The units follow the object in the
 /// same block of memory, since dozens of texts are made for every file.
-class SvxString { // NOLINT(*-special-member-functions): only SvxStringRef makes and destroys texts
+class SvxString { // NOLINT(*-special-member-functions): only the classes below make and destroy texts
 public:
     SvxString(const SvxString&) = delete;
     SvxString& operator=(const SvxString&) = delete;
-
-    /// A new text of `count` units whose storage the caller sets through `*storage` before anybody reads it.
-    /// Unit is char (narrow) or char16_t (wide). Absent when memory runs out.
-    template <class Unit>
-    static SvxStringRef make(std::size_t count, Unit** storage) noexcept;
 
     /// Calls `visitor` with the stored elements, a `std::string_view` (narrow) or a `std::u16string_view`.
     template <class Visitor>
@@ -56,9 +53,12 @@ public:
 
 private:
     friend class SvxStringRef;
+    template <class Unit>
+    friend class SvxStringBuilder;
 
     SvxString() = default;
-    static SvxString* allocate(std::size_t count, bool wide) noexcept;
+    static SvxString* allocate(std::size_t capacity, bool wide) noexcept;
+    static SvxStringRef takeOver(SvxStringRef* text, std::size_t capacity, bool wide) noexcept;
     [[nodiscard]] const void* units() const noexcept { return this + 1; }
     [[nodiscard]] void* units() noexcept { return this + 1; }
 
@@ -99,15 +99,10 @@ public:
     const SvxString& operator*() const noexcept { return *text_; }
     const SvxString* operator->() const noexcept { return text_; }
 
-    /// Leaves out the units from `count` on, of a text that its maker alone holds.
-    void truncate(std::size_t count) noexcept { text_->count_ = count; }
-
-    /// Adds one blank and `addition`. The storage of a text that nobody else holds grows in place, by
-    /// doubling; otherwise a new text is made. False when memory runs out, which changes nothing.
-    bool appendAfterBlank(const SvxString& addition) noexcept;
-
 private:
     friend class SvxString;
+    template <class Unit>
+    friend class SvxStringBuilder;
 
     explicit SvxStringRef(SvxString* owned) noexcept : text_(owned) {}
     void retain() const noexcept {
@@ -121,17 +116,42 @@ private:
         }
     }
     static void destroy(SvxString* text) noexcept;
-    bool makeRoom(std::size_t count, bool wide) noexcept;
 
     SvxString* text_ = nullptr;
 };
 
+/// A text in the making. Its units can be set because nobody else holds it yet, and no longer once it is
+/// finished. Unit is char for a narrow text, char16_t for a wide one.
 template <class Unit>
-SvxStringRef SvxString::make(std::size_t count, Unit** storage) noexcept {
-    SvxString* text = allocate(count, sizeof(Unit) == 2);
-    *storage = text != nullptr ? static_cast<Unit*>(text->units()) : nullptr;
-    return SvxStringRef(text);
-}
+class SvxStringBuilder {
+public:
+    /// Room for `capacity` units; none when memory runs out.
+    explicit SvxStringBuilder(std::size_t capacity) noexcept
+        : text_(SvxString::allocate(capacity, sizeof(Unit) == 2)) {}
+
+    /// Goes on with the present `*text`, which becomes absent, with room for `capacity` units in all. A text
+    /// of the same width that nobody else holds gives its storage, which grows by doubling; any other is
+    /// copied. When memory runs out, there is no room and `*text` stays.
+    SvxStringBuilder(SvxStringRef* text, std::size_t capacity) noexcept
+        : text_(SvxString::takeOver(text, capacity, sizeof(Unit) == 2)) {}
+
+    SvxStringBuilder(const SvxStringBuilder&) = delete;
+    SvxStringBuilder& operator=(const SvxStringBuilder&) = delete;
+    ~SvxStringBuilder() = default;
+
+    /// Whether there is room; nothing else may be asked when there is none.
+    explicit operator bool() const noexcept { return static_cast<bool>(text_); }
+    [[nodiscard]] Unit* units() noexcept { return static_cast<Unit*>(text_.text_->units()); }
+
+    /// The text of all units before `end`, which have been set; the room is given up.
+    [[nodiscard]] SvxStringRef finish(const Unit* end) noexcept {
+        text_.text_->count_ = static_cast<std::size_t>(end - units());
+        return std::move(text_);
+    }
+
+private:
+    SvxStringRef text_; ///< the only reference
+};
 
 /// Copies stored elements to units of the same or the greater width, answering the place behind them.
 template <class Unit, class Units>

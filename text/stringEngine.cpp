@@ -29,12 +29,8 @@ bool testTexts(const SvxStringRef& text, const SvxStringRef& needle, Test test) 
 
 template <class Unit, class Units>
 SvxStringRef copyOf(Units units) {
-    Unit* storage = nullptr;
-    SvxStringRef text = SvxString::make(units.size(), &storage);
-    if (text) {
-        copyUnits(units, storage);
-    }
-    return text;
+    SvxStringBuilder<Unit> text(units.size());
+    return text ? text.finish(copyUnits(units, text.units())) : nullptr;
 }
 
 /// Keeps wide units only where they are needed.
@@ -178,14 +174,13 @@ void forEachPiece(std::string_view format, std::initializer_list<SvxFormatValue>
 template <class Unit>
 SvxStringRef makeFormatted(std::string_view format, std::initializer_list<SvxFormatValue> values,
                            std::size_t mostUnits) {
-    Unit* start = nullptr;
-    SvxStringRef text = SvxString::make(mostUnits, &start);
-    if (text) {
-        Unit* out = start;
-        forEachPiece(format, values, [&out](auto piece) { out = copyUnits(piece, out); });
-        text.truncate(static_cast<std::size_t>(out - start));
+    SvxStringBuilder<Unit> text(mostUnits);
+    if (!text) {
+        return nullptr;
     }
-    return text;
+    Unit* out = text.units();
+    forEachPiece(format, values, [&out](auto piece) { out = copyUnits(piece, out); });
+    return text.finish(out);
 }
 
 /// Calls `onPart` for the parts that SvxStringJoinParts joins.
@@ -204,16 +199,27 @@ void forEachPart(Units units, OnPart onPart) {
 
 template <class Unit, class Units>
 SvxStringRef joined(Units units, std::string_view separator, std::size_t count) {
-    Unit* start = nullptr;
-    SvxStringRef text = SvxString::make(count, &start);
-    if (text) {
-        Unit* out = start;
-        forEachPart(units, [&](auto part) {
-            out = out != start ? copyUnits(separator, out) : out;
-            out = copyUnits(part, out);
-        });
+    SvxStringBuilder<Unit> text(count);
+    if (!text) {
+        return nullptr;
     }
-    return text;
+    Unit* out = text.units();
+    forEachPart(units, [&](auto part) {
+        out = out != text.units() ? copyUnits(separator, out) : out;
+        out = copyUnits(part, out);
+    });
+    return text.finish(out);
+}
+
+template <class Unit>
+void appendAfterBlank(SvxStringRef* text, const SvxString& addition) {
+    const SvxIndex length = (*text)->length();
+    SvxStringBuilder<Unit> joined(text, static_cast<std::size_t>(length + 1 + addition.length()));
+    if (joined) {
+        Unit* out = joined.units() + length;
+        *out++ = ' ';
+        *text = joined.finish(addition.visit([out](auto units) { return copyUnits(units, out); }));
+    }
 }
 
 constexpr bool standsForItselfInURL(CodePoint character) {
@@ -336,7 +342,8 @@ SvxStringRef SvxStringCreateWithFormat(std::string_view format,
 void SvxStringAppendAfterBlank(SvxStringRef* text, const SvxStringRef& addition) noexcept {
     if (*text && addition) {
         const SvxStringRef kept = addition; // NOLINT(*-copy-initialization): it may be the text itself
-        text->appendAfterBlank(*kept);
+        (*text)->isWide() || kept->isWide() ? appendAfterBlank<char16_t>(text, *kept)
+                                            : appendAfterBlank<char>(text, *kept);
     }
 }
 

@@ -184,11 +184,11 @@ bool forEachPiece(SvxByteSource& source, std::uint64_t size, OnPiece onPiece) {
 
 template <class Encoding, class Unit>
 SvxStringRef fill(SvxByteSource& source, std::uint64_t size, std::size_t units) {
-    Unit* out = nullptr;
-    SvxStringRef text = SvxString::make(units, &out);
+    SvxStringBuilder<Unit> text(units);
     if (!text) {
         return nullptr;
     }
+    Unit* out = text.units();
     Unit* const end = out + units;
     // The file may have changed since it was measured, so a piece that no longer fits ends the reading.
     const bool filled = forEachPiece<Encoding>(source, size, [&](std::string_view piece) {
@@ -200,7 +200,7 @@ SvxStringRef fill(SvxByteSource& source, std::uint64_t size, std::size_t units) 
         out = Encoding::write(piece, out);
         return true;
     });
-    return filled && out == end ? text : nullptr;
+    return filled && out == end ? text.finish(end) : nullptr;
 }
 
 template <class Encoding>
