@@ -2,6 +2,7 @@
 #include "platform/desktop/busSources.h"
 
 #include "platform/desktop/fileUri.h"
+#include "platform/desktop/programAnswers.h"
 
 #include <QDBusArgument>
 #include <array>
@@ -9,13 +10,6 @@
 namespace sonarin {
 
 namespace {
-
-/// The digest of a selection: since when its window is in use, the first two URIs, the program's name.
-QVariant digestSelection(const QVariantMap& properties) {
-    const QStringList selected = properties.value(QStringLiteral("Selected")).toStringList().mid(0, 2);
-    return QVariantList{properties.value(QStringLiteral("ActiveSince")).toLongLong(), selected,
-                        properties.value(QStringLiteral("Program")).toString()};
-}
 
 bool isUsedLater(const PropertyPoll::Answer& first, const PropertyPoll::Answer& second) {
     return first.digest.toList().value(0).toLongLong() < second.digest.toList().value(0).toLongLong();
@@ -27,18 +21,6 @@ QVariantMap metadataOf(const QVariantMap& properties) {
     const bool isMap = metadata.metaType() == QMetaType::fromType<QDBusArgument>() &&
                        metadata.value<QDBusArgument>().currentSignature() == QLatin1StringView("a{sv}");
     return isMap ? qdbus_cast<QVariantMap>(metadata) : QVariantMap();
-}
-
-/// The digest of a player: its status, its track's URL and identity.
-QVariant digestPlayer(const QVariantMap& properties) {
-    const QVariantMap metadata = metadataOf(properties);
-    QVariant track = metadata.value(QStringLiteral("mpris:trackid"));
-    if (track.canConvert<QDBusObjectPath>()) {
-        track = track.value<QDBusObjectPath>().path();
-    }
-    return QStringList{properties.value(QStringLiteral("PlaybackStatus")).toString(),
-                       metadata.value(QStringLiteral("xesam:url")).toString(), track.toString(),
-                       metadata.value(QStringLiteral("xesam:title")).toString()};
 }
 
 /// Playing before paused; a stopped player may still tell its last track, which does not count.
@@ -64,7 +46,9 @@ constexpr QLatin1StringView playerPrefix("org.mpris.MediaPlayer2.");
 
 PropertyPoll::Family playerFamily() {
     return {QString(playerPrefix), QStringLiteral("/org/mpris/MediaPlayer2"),
-            QStringLiteral("org.mpris.MediaPlayer2.Player"), digestPlayer, isPlayedLater};
+            QStringLiteral("org.mpris.MediaPlayer2.Player"),
+            [](const QVariantMap& properties) { return digestPlayer(properties, metadataOf(properties)); },
+            isPlayedLater};
 }
 
 SelectionSources::Paths selectionIn(const PropertyPoll& poll) {

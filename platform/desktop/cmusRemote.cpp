@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/cmusRemote.h"
 
+#include "platform/desktop/programAnswers.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -28,21 +30,6 @@ QByteArray socketPath() {
 qint64 now() {
     using namespace std::chrono;
     return duration_cast<microseconds>(steady_clock::now().time_since_epoch()).count();
-}
-
-/// A status line writes a backslash as two, and a line end as "\\n".
-QByteArray unescaped(const QByteArray& text) {
-    QByteArray plain;
-    bool isEscaped = false;
-    for (const char character : text) {
-        if (character == '\\' && !isEscaped) {
-            isEscaped = true;
-            continue;
-        }
-        plain += isEscaped && character == 'n' ? '\n' : character;
-        isEscaped = false;
-    }
-    return plain;
 }
 
 } // namespace
@@ -117,15 +104,12 @@ void CmusRemote::read() {
         return;
     }
     received_.append(part.data(), std::max<qsizetype>(count, 0));
-    // An answer without a text is an empty line alone.
-    for (;;) {
-        const qsizetype end = received_.startsWith('\n') ? 0 : received_.indexOf("\n\n");
-        if (end < 0 || asked_.isEmpty()) {
+    while (!asked_.isEmpty()) {
+        const auto answer = takeCmusAnswer(&received_);
+        if (!answer) {
             break;
         }
-        const QByteArray answer = received_.left(end);
-        received_.remove(0, end + (end == 0 ? 1 : 2));
-        take(asked_.dequeue(), answer);
+        take(asked_.dequeue(), *answer);
     }
     if (received_.size() > longest || (asked_.isEmpty() && !received_.isEmpty())) {
         disconnect();
@@ -138,13 +122,9 @@ void CmusRemote::take(Question question, const QByteArray& answer) {
         setSelection(answer.startsWith('/') ? answer : QByteArray());
         return;
     }
-    for (const QByteArray& line : answer.split('\n')) {
-        if (line.startsWith("file /")) {
-            if (std::exchange(file_, unescaped(line.mid(5))) != file_) {
-                emit changed();
-            }
-            return;
-        }
+    const auto file = fileInCmusStatus(answer);
+    if (file && std::exchange(file_, *file) != file_) {
+        emit changed();
     }
 }
 
