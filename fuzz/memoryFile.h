@@ -1,38 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "engine/audioMetaData.h"
-#include "text/SvxString.h"
+#include "app/shownFile.h"
 
-#include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace sonarin {
 
-/// A file that lives in memory alone, since a fuzz target reads thousands a second.
-class MemoryFile {
-public:
-    MemoryFile(const std::uint8_t* bytes, std::size_t size);
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-    ~MemoryFile();
+/// From now on every path is that of a file of these bytes, without type codes. This library stands in place
+/// of engine/fileAccess.cpp and platform/host/fileAttributes.cpp, so that no input costs a call of the
+/// system; what reads the files is what ships. As in a sparse file, an aligned run of zero bytes may be a
+/// hole.
+void serveFile(std::span<const std::uint8_t> bytes);
 
-    /// A path under which it can be opened; its name says nothing about its type.
-    [[nodiscard]] SvxStringRef path() const;
+enum class Form : std::uint8_t { json, text };
 
-private:
-    int descriptor_;
-};
-
-/// What the programs do at their start; once.
-void startUp();
-
-/// Writes the record as JSON to nowhere, so that everything in it is looked at.
-void printRecord(const SvxStringRef& path, audioTags&& record);
-
-/// Runs one reader on the bytes as a file, with tags read in both ways, and prints what it read. Answers what
-/// a fuzz target does.
-using Reader = void (*)(const SvxStringRef& path, audioTags* record, const ReadOptions& options);
-int fuzzReader(const std::uint8_t* bytes, std::size_t size, Reader read);
+/// Makes all that the programs show of the file in one of the forms, and drops it.
+void printFile(const ShownFile& file, Form form);
 
 } // namespace sonarin
