@@ -40,7 +40,7 @@ std::uint64_t nextBlock(std::uint64_t position, bool isHole) {
 
 void serveFile(std::span<const std::uint8_t> bytes) {
     [[maybe_unused]] static const bool isStarted = [] { // what the programs do at their start
-        initStringBundle(SvxStringFromLatin1(bundleIdentifier));
+        initStringBundle(SvxStringFromCString(bundleIdentifier));
         svxStringInitString();
         return true;
     }();
