@@ -8,38 +8,24 @@
 #include <poll.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
 namespace sonarin {
 
-namespace {
-
-struct Pipe {
-    FileDescriptor reading;
-    FileDescriptor writing;
-};
-
-Pipe makePipe() {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
-
-} // namespace
-
 ChildProcess::ChildProcess(const std::vector<std::string>& command, Errors errors) {
-    Pipe input = makePipe();
-    Pipe output = makePipe();
+    std::array<int, 2> ends{-1, -1};
+    (void)socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data());
+    talk_ = FileDescriptor(ends[0]);
+    const FileDescriptor other(ends[1]);
     posix_spawn_file_actions_t actions{};
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input.reading.get(), STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output.writing.get(), STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, other.get(), STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, other.get(), STDOUT_FILENO);
     if (errors == Errors::asOutput) {
-        posix_spawn_file_actions_adddup2(&actions, output.writing.get(), STDERR_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, other.get(), STDERR_FILENO);
     } else if (errors == Errors::hidden) {
         posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     }
@@ -53,31 +39,26 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, Errors error
     if (result != 0) {
         throw std::runtime_error(command.front() + " does not start");
     }
-    input_ = std::move(input.writing);
-    output_ = std::move(output.reading);
 }
 
 ChildProcess::~ChildProcess() {
-    if (!hasEnded(0)) {
-        signal(SIGKILL);
-        hasEnded(10000);
-    }
+    signal(SIGKILL);
+    hasEnded(10000);
 }
 
 void ChildProcess::write(const std::string& text) const {
-    (void)!::write(input_.get(), text.data(), text.size());
+    (void)send(talk_.get(), text.data(), text.size(), MSG_NOSIGNAL);
 }
 
 std::string ChildProcess::read() const {
-    pollfd ready = {output_.get(), POLLIN, 0};
+    pollfd ready = {talk_.get(), POLLIN, 0};
     std::array<char, 4096> text{};
-    const ssize_t got = poll(&ready, 1, 10000) == 1 ? ::read(output_.get(), text.data(), text.size()) : 0;
+    const ssize_t got = poll(&ready, 1, 10000) == 1 ? ::read(talk_.get(), text.data(), text.size()) : 0;
     return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0))};
 }
 
-/// Not to one that has ended: -1 would be everybody.
 void ChildProcess::signal(int number) const {
-    if (process_ > 0) {
+    if (process_ > 0) { // else everybody would get it
         kill(process_, number);
     }
 }

@@ -23,6 +23,7 @@ public:
     void write(const std::string& text) const;
     /// What it has written since the last time; waits for the first of it, up to ten seconds.
     [[nodiscard]] std::string read() const;
+    /// Does nothing when it has ended.
     void signal(int number) const;
     /// Whether it ends within that time.
     bool hasEnded(int milliseconds);
@@ -32,8 +33,7 @@ public:
 private:
     pid_t process_ = -1;
     int status_ = -1;
-    FileDescriptor input_;
-    FileDescriptor output_;
+    FileDescriptor talk_; ///< its input and output
 };
 
 } // namespace sonarin
