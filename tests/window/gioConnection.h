@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
+
 namespace sonarin {
 
-/// Keeps GIO's shared connection to the session bus, as a plug-in of the toolkit may.
-class GioConnection {
-public:
-    GioConnection();
-    GioConnection(const GioConnection&) = delete;
-    GioConnection& operator=(const GioConnection&) = delete;
-    ~GioConnection();
-
-    [[nodiscard]] bool endsTheProgramWithTheBus() const;
-    [[nodiscard]] bool hasClosed() const;
-
-private:
-    void* connection_;
-};
+/// Opens GIO's shared connection to the session bus, as a plug-in of the toolkit may, and keeps it with the
+/// answer, which tells whether the bus has closed it.
+[[nodiscard]] std::function<bool()> keepGioConnection();
 
 } // namespace sonarin

@@ -3,17 +3,19 @@
 
 #include "tests/window/windowSupport.h"
 
-#include <filesystem>
 #include <sys/stat.h>
 #include <vector>
 
 namespace sonarin {
 
-namespace fs = std::filesystem;
-
 SlowDisk::SlowDisk() {
-    fs::create_directories(folder_.path("disk/folder"));
-    fs::create_directory(folder_.path("the disk"));
+    std::filesystem::create_directories(behind("folder"));
+    std::filesystem::create_directory(folder_.path("the disk"));
+    const auto device = [this] {
+        struct stat status {};
+        stat(folder_.path("the disk").c_str(), &status);
+        return status.st_dev;
+    };
     const dev_t before = device();
     server_ = std::make_unique<ChildProcess>(
         std::vector<std::string>{SONARIN_SLOW_DISK, folder_.path("disk"), folder_.path("the disk")});
@@ -34,28 +36,6 @@ std::string SlowDisk::write(const std::string& name, const std::string& content)
 
 std::string SlowDisk::song(const std::string& name, const std::string& title) const {
     return write(name, songFile(title, "Ann"));
-}
-
-void SlowDisk::replace(const std::string& name, const std::string& by) const {
-    fs::rename(folder_.path("disk/" + by), folder_.path("disk/" + name));
-}
-
-bool SlowDisk::has(const std::string& name) const {
-    return fs::exists(folder_.path("disk/" + name));
-}
-
-void SlowDisk::answer() const {
-    (void)folder_.write("disk/answer", "");
-}
-
-void SlowDisk::hangAgain() const {
-    fs::remove(folder_.path("disk/answer"));
-}
-
-dev_t SlowDisk::device() const {
-    struct stat status {};
-    stat(folder_.path("the disk").c_str(), &status);
-    return status.st_dev;
 }
 
 } // namespace sonarin

@@ -4,9 +4,9 @@
 #include "tests/support/childProcess.h"
 #include "tests/support/testFolder.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
-#include <sys/types.h>
 
 namespace sonarin {
 
@@ -24,15 +24,15 @@ public:
     /// Puts a file onto the disk; answers its path there.
     [[nodiscard]] std::string write(const std::string& name, const std::string& content) const;
     [[nodiscard]] std::string song(const std::string& name, const std::string& title) const;
-    void replace(const std::string& name, const std::string& by) const;
-    [[nodiscard]] bool has(const std::string& name) const;
+    /// Where its files are, for who does not want to wait.
+    [[nodiscard]] std::filesystem::path behind(const std::string& name) const {
+        return folder_.path("disk/" + name);
+    }
     /// Whatever hangs goes on.
-    void answer() const;
-    void hangAgain() const;
+    void answer() const { (void)folder_.write("disk/answer", ""); }
+    void hangAgain() const { std::filesystem::remove(behind("answer")); }
 
 private:
-    [[nodiscard]] dev_t device() const;
-
     TestFolder folder_;
     std::unique_ptr<ChildProcess> server_;
     bool isThere_ = false;

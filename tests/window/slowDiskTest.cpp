@@ -2,32 +2,21 @@
 // Files on a disk that does not answer, or late.
 #include "tests/window/slowDisk.h"
 
-#include "tests/window/windowSupport.h"
+#include "tests/window/windowTest.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QElapsedTimer>
-#include <QTimer>
 #include <csignal>
-#include <filesystem>
-#include <memory>
-#include <vector>
 
 namespace sonarin {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-class OnASlowDisk : public testing::Test {
+class OnASlowDisk : public WindowTest {
 protected:
     void SetUp() override {
         if (!disk.isThere()) {
             GTEST_SKIP() << "NO SLOW DISK: FUSE (/dev/fuse, fuse3, python3-fusepy) does not work here";
         }
-        forgetPreferences();
-        controller = std::make_unique<AppController>(&sources, &defaults);
         beat.callOnTimeout([this] { longestGap = std::max(longestGap, sinceBeat.restart()); });
         sinceBeat.start();
         beat.start(5);
@@ -40,38 +29,29 @@ protected:
         EXPECT_LT(longestGap, 1000);
     }
 
-    bool show(const std::string& path) { return controller->updateValuesForNewPath(pathOf(path)); }
-    [[nodiscard]] std::string title() const { return controller->id3SongTitleField->text().toStdString(); }
     [[nodiscard]] bool isReading() const { return controller->isReading(); }
-    bool shows(const std::string& text) {
-        return waitFor([&] { return title() == text && !isReading(); });
-    }
 
-    TestFolder folder;
-    FixedSources sources;
-    UserDefaults defaults;
     QTimer beat;
     QElapsedTimer sinceBeat;
     qint64 longestGap = 0; ///< milliseconds in which the window did nothing else
     SlowDisk disk;
-    std::unique_ptr<AppController> controller;
 };
 
 TEST_F(OnASlowDisk, LeavesWhatHangsBehind) {
     const std::string quick = folder.write("quick.mp3", songFile("quick", "Bob"));
     for (const char* name : {"hang-stat.mp3", "hang-open.mp3", "hang-read.mp3", "hang-codes.m4a"}) {
         const std::string path = disk.song(name, "late");
-        EXPECT_TRUE(show(path)) << name;
+        EXPECT_TRUE(choose(path)) << name;
         EXPECT_TRUE(isReading());
-        EXPECT_EQ(controller->followStatusField->text(), "Reading…");
+        EXPECT_EQ(foot(), "Reading…");
         EXPECT_EQ(controller->fileNameField->text().toStdString(), name);
         EXPECT_EQ(controller->lastPath, pathOf(path));
         EXPECT_EQ(title(), "");
         EXPECT_EQ(controller->renamePopup->numberOfItems(), 1);
         EXPECT_FALSE(controller->twitterButton->isEnabled());
-        EXPECT_FALSE(show(path));
+        EXPECT_FALSE(choose(path));
 
-        EXPECT_TRUE(show(quick));
+        EXPECT_TRUE(choose(quick));
         EXPECT_EQ(title(), "quick");
         EXPECT_FALSE(isReading());
         disk.answer();
@@ -79,70 +59,70 @@ TEST_F(OnASlowDisk, LeavesWhatHangsBehind) {
         EXPECT_EQ(title(), "quick"); // what came late is thrown away
         disk.hangAgain();
     }
-    EXPECT_FALSE(show(disk.write("hang-stat.txt", "")));
+    EXPECT_FALSE(choose(disk.write("hang-stat.txt", "")));
 }
 
 TEST_F(OnASlowDisk, FillsThePanelWhenTheDiskAnswers) {
-    EXPECT_TRUE(show(disk.song("hang-read.mp3", "late")));
+    EXPECT_TRUE(choose(disk.song("hang-read.mp3", "late")));
     EXPECT_EQ(controller->fileSizeField->text(), "4.9 KB"); // which was known
     disk.answer();
     EXPECT_TRUE(shows("late"));
     EXPECT_EQ(controller->renamePopup->numberOfItems(), 3);
     EXPECT_TRUE(controller->twitterButton->isEnabled());
-    EXPECT_FALSE(show(disk.song("hang-read.mp3", "late"))); // it is the file shown
+    EXPECT_FALSE(choose(disk.song("hang-read.mp3", "late"))); // it is the file shown
 }
 
 /// Two at a time of one disk, so that the one behind the one that hangs is read.
 TEST_F(OnASlowDisk, LeavesNoMoreThanTwoReadingsOfADiskBehind) {
-    show(disk.song("hang-read-1.mp3", "late"));
-    show(disk.song("late-150-2.mp3", "two"));
+    choose(disk.song("hang-read-1.mp3", "late"));
+    choose(disk.song("late-150-2.mp3", "two"));
     EXPECT_TRUE(shows("two"));
-    show(disk.song("hang-read-3.mp3", "late"));
-    show(disk.song("late-1-6.mp3", "six"));
+    choose(disk.song("hang-read-3.mp3", "late"));
+    choose(disk.song("late-1-6.mp3", "six"));
     EXPECT_TRUE(isReading());
-    show(folder.write("other.mp3", songFile("other")));
+    choose(song("other"));
     EXPECT_EQ(title(), "other");
     EXPECT_FALSE(SideWork::haveThreadsEnded(std::chrono::milliseconds(0)));
-    show(disk.song("folder/late-1-7.mp3", "in another folder")); // which might be a link to elsewhere
+    choose(disk.song("folder/late-1-7.mp3", "in another folder")); // which might be a link to elsewhere
     EXPECT_TRUE(shows("in another folder"));
-    show(disk.song("late-1-8.mp3", "eight"));
+    choose(disk.song("late-1-8.mp3", "eight"));
     disk.answer();
     EXPECT_TRUE(shows("eight"));
 }
 
 TEST_F(OnASlowDisk, SaysHowFarALongSearchIs) {
-    show(disk.write("late-20-x.mp3", std::string(4000000, 'x')));
+    choose(disk.write("late-20-x.mp3", std::string(4000000, 'x')));
     const auto share = [&] {
-        const QString text = controller->followStatusField->text();
+        const QString text = QString::fromStdString(foot());
         return text.endsWith(u'%') ? text.mid(text.indexOf(u' ')).chopped(1).toInt() : -1;
     };
     EXPECT_TRUE(waitFor([&] { return share() > 0; }));
     const int before = share();
     EXPECT_TRUE(waitFor([&] { return share() > before; }));
-    show(folder.write("quick.mp3", songFile("quick")));
+    choose(song("quick"));
     // Called off, it does not go on to the end.
     controller.reset();
     EXPECT_TRUE(SideWork::haveThreadsEnded(std::chrono::milliseconds(300)));
 }
 
 TEST_F(OnASlowDisk, TakesTheFileThatIsChosenWhileItWaits) {
-    const std::string quick = folder.write("quick.mp3", songFile("quick"));
+    const std::string quick = song("quick");
     const std::string hanging = disk.song("hang-read.mp3", "late");
-    show(quick);
+    choose(quick);
     std::string shownMeanwhile;
     QTimer::singleShot(40, [&] {
         shownMeanwhile = controller->fileNameField->text().toStdString();
-        EXPECT_FALSE(show(hanging));
-        EXPECT_TRUE(show(quick));
+        EXPECT_FALSE(choose(hanging));
+        EXPECT_TRUE(choose(quick));
     });
-    EXPECT_TRUE(show(hanging));
+    EXPECT_TRUE(choose(hanging));
     EXPECT_EQ(shownMeanwhile, "quick.mp3"); // until it is plain that the other one takes long
     EXPECT_EQ(title(), "quick");
     EXPECT_EQ(controller->lastPath, pathOf(quick));
     for (int i = 0; i < 10; ++i) { // back and forth
-        show(hanging);
+        choose(hanging);
         EXPECT_TRUE(isReading());
-        show(quick);
+        choose(quick);
         EXPECT_EQ(title(), "quick");
     }
 }
@@ -173,7 +153,7 @@ TEST_F(OnASlowDisk, BearsAThousandChoices) {
 }
 
 TEST_F(OnASlowDisk, ShowsNothingOfAFileThatBreaks) {
-    show(disk.write("broken-x.mp3", songFile(std::string(20000, 'x'))));
+    choose(disk.write("broken-x.mp3", songFile(std::string(20000, 'x'))));
     EXPECT_FALSE(isReading());
     EXPECT_EQ(title(), "");
     EXPECT_EQ(controller->fileSizeField->text(), "24.5 KB");
@@ -183,42 +163,35 @@ TEST_F(OnASlowDisk, KeepsToTheFileThatItHasOpened) {
     const std::string path = disk.song("late-150-x.mp3", "old");
     QTimer::singleShot(50, [&] {
         (void)disk.song("new", "a longer new title");
-        disk.replace("late-150-x.mp3", "new");
+        fs::rename(disk.behind("new"), disk.behind("late-150-x.mp3"));
     });
-    show(path);
+    choose(path);
     EXPECT_TRUE(shows("old"));
 }
 
 TEST_F(OnASlowDisk, DoesNotWaitForRenamesAndEditors) {
-    show(disk.song("hang-rename.mp3", "new"));
+    choose(disk.song("hang-rename.mp3", "new"));
     EXPECT_EQ(title(), "new");
     controller->renameToSongTitle();
-    EXPECT_TRUE(disk.has("hang-rename.mp3"));
+    EXPECT_TRUE(fs::exists(disk.behind("hang-rename.mp3")));
     const std::string edited = disk.song("hang-access.mp3", "edited");
-    show(edited);
+    choose(edited);
     controller->editWithTheTagger();
     EXPECT_EQ(calledWith("tagger", 200), "");
     disk.answer();
     EXPECT_EQ(calledWith("tagger"), "--edit\n" + edited + '\n');
-    EXPECT_TRUE(waitFor([&] { return disk.has("new.mp3"); }));
+    EXPECT_TRUE(waitFor([&] { return fs::exists(disk.behind("new.mp3")); }));
     disk.hangAgain();
 
     // An alert that comes late does not stop what comes later.
     controller->editWithID3X();
     const std::string hanging = disk.song("hang-read.mp3", "read");
-    show(hanging);
-    bool isReadMeanwhile = false;
-    QTimer look;
-    look.callOnTimeout([&] {
+    choose(hanging);
+    const auto closeAlert = [this] {
         QWidget* alert = QApplication::activeModalWidget();
-        if (alert != nullptr && shows("read")) {
-            isReadMeanwhile = true;
-            alert->close();
-        }
-    });
-    look.start(50);
-    disk.answer();
-    EXPECT_TRUE(waitFor([&] { return isReadMeanwhile; }));
+        return alert != nullptr && shows("read") && alert->close();
+    };
+    EXPECT_TRUE(meanwhile([this] { disk.answer(); }, closeAlert));
 }
 
 TEST_F(OnASlowDisk, OpensManyFilesOneAfterTheOther) {
@@ -226,7 +199,7 @@ TEST_F(OnASlowDisk, OpensManyFilesOneAfterTheOther) {
     for (int i = 0; i < 200; ++i) {
         paths.append(QByteArray::fromStdString(disk.song("hang-read" + std::to_string(i) + ".mp3", "late")));
     }
-    paths.append(QByteArray::fromStdString(folder.write("last.mp3", songFile("last"))));
+    paths.append(QByteArray::fromStdString(song("last")));
     controller->openFiles(paths);
     EXPECT_TRUE(shows("last"));
 }

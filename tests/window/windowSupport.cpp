@@ -155,11 +155,13 @@ std::string calledWith(const std::string& script, int milliseconds) {
     return lines;
 }
 
+QString preferencesFile() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/sonarin/sonarin.conf");
+}
+
 void forgetPreferences() {
-    QSettings stored(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-                         QStringLiteral("/sonarin/sonarin.conf"),
-                     QSettings::IniFormat);
-    stored.clear();
+    QSettings(preferencesFile(), QSettings::IniFormat).clear();
 }
 
 QString pathOf(const std::string& path) {

@@ -78,7 +78,9 @@ void installPrograms(const TestFolder& home);
 /// call.
 std::string calledWith(const std::string& script, int milliseconds = 5000);
 
-/// Empties the stored preferences.
+/// Where the preferences are stored.
+QString preferencesFile();
+/// Empties them.
 void forgetPreferences();
 
 QString pathOf(const std::string& path);
