@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/appearance.h"
 
+#include "platform/desktop/busCall.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
 namespace sonarin {
@@ -43,20 +44,15 @@ void Appearance::ask() {
     request << QStringList{QStringLiteral("org.freedesktop.appearance"),
                            QStringLiteral("org.gnome.desktop.*")};
     request.setAutoStartService(false);
-    auto* reply = new QDBusPendingCallWatcher(bus_->connection().asyncCall(request), this);
-    connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
-        reply->deleteLater();
-        const QDBusPendingReply<SettingGroups> settings = *reply;
-        if (settings.isError()) {
-            return;
-        }
-        const SettingGroups groups = settings.value();
+    const auto takeAll = [this](const QDBusPendingReply<SettingGroups>& settings) {
+        const SettingGroups groups = settings.isError() ? SettingGroups() : settings.value();
         for (auto group = groups.begin(); group != groups.end(); ++group) {
             for (auto setting = group->begin(); setting != group->end(); ++setting) {
                 take(group.key(), setting.key(), setting.value());
             }
         }
-    });
+    };
+    whenAnswered(bus_->connection().asyncCall(request), this, takeAll);
 }
 
 void Appearance::takeChange(const QString& group, const QString& key, const QDBusVariant& value) {

@@ -98,49 +98,36 @@ BusSources::BusSources(SessionBus* bus, QObject* parent)
     : fileManagers_(bus, selectionFamily(QStringLiteral("FileManager"))),
       playerSelections_(bus, selectionFamily(QStringLiteral("Player"))), players_(bus, playerFamily()) {
     setParent(parent);
-    for (PropertyPoll* poll : {&fileManagers_, &playerSelections_, &players_}) {
+    for (const PropertyPoll* poll : polls_) {
         connect(poll, &PropertyPoll::changed, this, &SelectionSources::answered);
     }
     connect(&cmus_, &CmusRemote::changed, this, &SelectionSources::answered);
 }
 
 void BusSources::ask(Question question) {
-    switch (question) {
-    case Question::fileManagerSelection:
-        fileManagers_.ask();
-        break;
-    case Question::playerSelection:
-        playerSelections_.ask();
+    pollFor(question)->ask();
+    if (question == Question::playerSelection) {
         cmus_.askSelection();
-        break;
-    case Question::trackPlaying:
-        players_.ask();
-        break;
     }
 }
 
 void BusSources::forget() {
-    for (PropertyPoll* poll : {&fileManagers_, &playerSelections_, &players_}) {
+    for (PropertyPoll* poll : polls_) {
         poll->forget();
     }
     cmus_.forgetSelection();
 }
 
 SelectionSources::Paths BusSources::answer(Question question) {
-    switch (question) {
-    case Question::fileManagerSelection:
-        return selectionIn(fileManagers_);
-    case Question::playerSelection:
-        return isCmusSelectionLatest() ? onlyFile(*cmus_.selection()) : selectionIn(playerSelections_);
-    case Question::trackPlaying:
+    if (question == Question::trackPlaying) {
         return trackPlaying();
     }
-    return std::nullopt;
+    return isCmusSelection(question) ? onlyFile(*cmus_.selection()) : selectionIn(*pollFor(question));
 }
 
 /// cmus has no window whose use it could tell; its selection counts since it last changed.
-bool BusSources::isCmusSelectionLatest() const {
-    if (!cmus_.selection()) {
+bool BusSources::isCmusSelection(Question question) const {
+    if (question != Question::playerSelection || !cmus_.selection()) {
         return false;
     }
     const auto other = playerSelections_.followed();
@@ -164,16 +151,11 @@ bool BusSources::isPlayerRunning() const {
 }
 
 SelectionSources::Teller BusSources::teller(Question question) const {
-    switch (question) {
-    case Question::fileManagerSelection:
-        return selectionTeller(fileManagers_);
-    case Question::playerSelection:
-        return isCmusSelectionLatest() ? Teller{Teller::State::selecting, QStringLiteral("cmus")}
-                                       : selectionTeller(playerSelections_);
-    case Question::trackPlaying:
+    if (question == Question::trackPlaying) {
         return playerTeller(players_);
     }
-    return {};
+    return isCmusSelection(question) ? Teller{Teller::State::selecting, QStringLiteral("cmus")}
+                                     : selectionTeller(*pollFor(question));
 }
 
 } // namespace sonarin

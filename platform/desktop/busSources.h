@@ -5,6 +5,9 @@
 #include "platform/desktop/propertyPoll.h"
 #include "platform/desktop/selectionSources.h"
 
+#include <array>
+#include <cstddef>
+
 namespace sonarin {
 
 /// The sources of a Linux desktop: players over MPRIS 2.2, selections over the interface
@@ -24,11 +27,16 @@ public:
 
 private:
     Paths trackPlaying();
-    [[nodiscard]] bool isCmusSelectionLatest() const;
+    /// Whether cmus is to be believed rather than who publishes a selection.
+    [[nodiscard]] bool isCmusSelection(Question question) const;
+    [[nodiscard]] PropertyPoll* pollFor(Question question) const {
+        return polls_.at(static_cast<std::size_t>(question));
+    }
 
     PropertyPoll fileManagers_;
     PropertyPoll playerSelections_;
     PropertyPoll players_;
+    std::array<PropertyPoll*, 3> polls_ = {&fileManagers_, &playerSelections_, &players_}; ///< by question
     CmusRemote cmus_;
 };
 

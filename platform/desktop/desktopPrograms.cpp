@@ -30,6 +30,15 @@ using Object = std::unique_ptr<Thing, FreedBy<g_object_unref>>;
 
 constexpr const char* creatorKey = "X-HFS-Creator";
 
+/// The texts up to the null at the end; a list may be null itself.
+std::vector<std::string_view> listed(const char* const* texts) {
+    std::vector<std::string_view> all;
+    for (; texts != nullptr && *texts != nullptr; ++texts) {
+        all.emplace_back(*texts);
+    }
+    return all;
+}
+
 /// The code that one item of the key's list stands for: "Tagr" or "0x4D6564A8".
 std::optional<std::uint32_t> creatorCode(std::string_view item) {
     std::uint32_t code = 0;
@@ -50,22 +59,12 @@ std::optional<std::uint32_t> creatorCode(std::string_view item) {
 std::vector<std::uint32_t> creatorCodes(GDesktopAppInfo* program) {
     std::vector<std::uint32_t> codes;
     const TextList items(g_desktop_app_info_get_string_list(program, creatorKey, nullptr));
-    for (char** item = items.get(); item != nullptr && *item != nullptr; ++item) {
-        if (const auto code = creatorCode(*item)) {
+    for (const std::string_view item : listed(items.get())) {
+        if (const auto code = creatorCode(item)) {
             codes.push_back(*code);
         }
     }
     return codes;
-}
-
-bool holdsAudioType(GDesktopAppInfo* program) {
-    const char** types = g_app_info_get_supported_types(G_APP_INFO(program));
-    for (; types != nullptr && *types != nullptr; ++types) {
-        if (std::string_view(*types).starts_with("audio/")) {
-            return true;
-        }
-    }
-    return false;
 }
 
 /// Whether an entry without a creator code is that of a tag editor (by the categories that freedesktop.org
@@ -73,25 +72,16 @@ bool holdsAudioType(GDesktopAppInfo* program) {
 bool editsTags(GDesktopAppInfo* program) {
     constexpr std::array<std::string_view, 6> tagKeywords = {"tag",        "tags", "tagger",
                                                              "tag editor", "id3",  "metadata"};
-    if (!holdsAudioType(program)) {
-        return false;
-    }
     const TextList categories(
         g_desktop_app_info_get_string_list(program, G_KEY_FILE_DESKTOP_KEY_CATEGORIES, nullptr));
-    for (char** category = categories.get(); category != nullptr && *category != nullptr; ++category) {
-        if (std::string_view(*category) == "AudioVideoEditing") {
-            return true;
-        }
-    }
-    const char* const* keywords = g_desktop_app_info_get_keywords(program);
-    for (; keywords != nullptr && *keywords != nullptr; ++keywords) {
-        const Text folded(g_utf8_casefold(*keywords, -1));
-        if (std::find(tagKeywords.begin(), tagKeywords.end(), std::string_view(folded.get())) !=
-            tagKeywords.end()) {
-            return true;
-        }
-    }
-    return false;
+    const auto isAudio = [](std::string_view type) { return type.starts_with("audio/"); };
+    const auto isOfTags = [&](std::string_view keyword) {
+        const Text folded(g_utf8_casefold(keyword.data(), -1));
+        return std::ranges::find(tagKeywords, folded.get()) != tagKeywords.end();
+    };
+    return std::ranges::any_of(listed(g_app_info_get_supported_types(G_APP_INFO(program))), isAudio) &&
+           (std::ranges::count(listed(categories.get()), "AudioVideoEditing") > 0 ||
+            std::ranges::any_of(listed(g_desktop_app_info_get_keywords(program)), isOfTags));
 }
 
 /// The place of the folder that an entry comes from: the user's own folder before those of the system, in
@@ -141,16 +131,12 @@ bool openFileWith(GDesktopAppInfo* program, const std::string& path) {
 
 } // namespace
 
-bool openUrl(const std::string& url) {
+void openUrl(const std::string& url) {
     const Text scheme(g_uri_parse_scheme(url.c_str()));
-    if (!scheme) {
-        return false;
+    const Object<GAppInfo> program(scheme ? g_app_info_get_default_for_uri_scheme(scheme.get()) : nullptr);
+    if (program) {
+        (void)launch(G_DESKTOP_APP_INFO(program.get()), url);
     }
-    const Object<GAppInfo> program(g_app_info_get_default_for_uri_scheme(scheme.get()));
-    if (!program) {
-        return false;
-    }
-    return launch(G_DESKTOP_APP_INFO(program.get()), url);
 }
 
 std::vector<DesktopEditor> installedEditors() {

@@ -10,9 +10,9 @@
 /// entries.
 namespace sonarin {
 
-/// Hands the URL to the program that the user's desktop has for its scheme. False, with nothing started, when
-/// there is none. Does not wait for the program.
-bool openUrl(const std::string& url);
+/// Hands the URL to the program that the user's desktop has for its scheme, if there is one. Does not wait
+/// for the program.
+void openUrl(const std::string& url);
 
 /// An installed program that opens audio files.
 struct DesktopEditor {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/fileManager.h"
 
+#include "platform/desktop/busCall.h"
 #include "platform/desktop/fileUri.h"
 
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
 namespace sonarin {
@@ -16,16 +16,13 @@ void showInFileManager(const QDBusConnection& bus, const QByteArray& path, QObje
         name, QStringLiteral("/org/freedesktop/FileManager1"), name, QStringLiteral("ShowItems"));
     const QString startupId = qEnvironmentVariable("DESKTOP_STARTUP_ID");
     request << QStringList{fileUriOfPath(path)} << startupId;
-    auto* reply = new QDBusPendingCallWatcher(bus.asyncCall(request), context);
-    QObject::connect(reply, &QDBusPendingCallWatcher::finished, context,
-                     [reply, answered = std::move(answered)] {
-                         const QDBusPendingReply<> result = *reply;
-                         reply->deleteLater();
-                         answered(!result.isError() ? QString()
-                                  : result.error().type() == QDBusError::ServiceUnknown
-                                      ? QStringLiteral("there is no file manager that shows files")
-                                      : result.error().message());
-                     });
+    whenAnswered(bus.asyncCall(request), context,
+                 [answered = std::move(answered)](const QDBusPendingReply<>& result) {
+                     answered(!result.isError() ? QString()
+                              : result.error().type() == QDBusError::ServiceUnknown
+                                  ? QStringLiteral("there is no file manager that shows files")
+                                  : result.error().message());
+                 });
 }
 
 } // namespace sonarin

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/propertyPoll.h"
 
+#include "platform/desktop/busCall.h"
+
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <algorithm>
@@ -38,32 +40,25 @@ void PropertyPoll::start() {
     connection.connect(question.service(), question.path(), question.interface(),
                        QStringLiteral("NameOwnerChanged"), this,
                        SLOT(nameOwnerChanged(QString, QString, QString)));
-    auto* call = new QDBusPendingCallWatcher(connection.asyncCall(question), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
-        call->deleteLater();
-        const QDBusPendingReply<QStringList> names = *call;
-        if (names.isError()) {
-            return;
-        }
-        for (const QString& name : names.value()) {
+    const auto takeNames = [this](const QDBusPendingReply<QStringList>& names) {
+        for (const QString& name : names.isError() ? QStringList() : names.value()) {
             if (name.startsWith(family_.namePrefix)) {
                 askForOwner(name);
             }
         }
-    });
+    };
+    whenAnswered(connection.asyncCall(question), this, takeNames);
 }
 
 void PropertyPoll::askForOwner(const QString& name) {
     QDBusMessage question = busQuestion(QStringLiteral("GetNameOwner"));
     question << name;
-    auto* call = new QDBusPendingCallWatcher(bus_->connection().asyncCall(question), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, name] {
-        call->deleteLater();
-        const QDBusPendingReply<QString> owner = *call;
+    const auto takeOwner = [this, name](const QDBusPendingReply<QString>& owner) {
         if (!owner.isError()) {
             addName(name, owner.value());
         }
-    });
+    };
+    whenAnswered(bus_->connection().asyncCall(question), this, takeOwner);
 }
 
 void PropertyPoll::nameOwnerChanged(const QString& name, const QString& oldOwner, const QString& newOwner) {
@@ -175,22 +170,19 @@ void PropertyPoll::askProgram(const QString& owner) {
     program.asked.start();
     // No time-out: the question stays open as long as the program hangs, and ends with the program.
     const QDBusPendingCall pending = bus_->connection().asyncCall(question, std::numeric_limits<int>::max());
-    auto* call = new QDBusPendingCallWatcher(pending, this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call, owner, generation = generation_] {
-        call->deleteLater();
+    whenAnswered(pending, this, [this, owner, generation = generation_](const QDBusPendingCall& answer) {
         if (generation == generation_) {
-            take(owner, call);
+            take(owner, answer);
         }
     });
 }
 
-void PropertyPoll::take(const QString& owner, QDBusPendingCallWatcher* call) {
+void PropertyPoll::take(const QString& owner, const QDBusPendingReply<QVariantMap>& reply) {
     const auto program = programs_.find(owner);
     if (program == programs_.end()) {
         return;
     }
     program->isAsked = false;
-    const QDBusPendingReply<QVariantMap> reply = *call;
     const bool isInTime = !reply.isError() && program->asked.elapsed() <= deadline;
     const QVariant digest = isInTime ? family_.digest(reply.value()) : QVariant();
     const bool isOther = program->isNew || isInTime != program->answer.isCurrent ||

@@ -3,7 +3,7 @@
 
 #include "platform/desktop/sessionBus.h"
 
-#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QElapsedTimer>
 #include <QMap>
 #include <QStringList>
@@ -75,7 +75,7 @@ private:
     [[nodiscard]] QString nextInTurn() const;
     void askForOwner(const QString& name);
     void askProgram(const QString& owner);
-    void take(const QString& owner, QDBusPendingCallWatcher* call);
+    void take(const QString& owner, const QDBusPendingReply<QVariantMap>& reply);
 
     SessionBus* bus_;
     Family family_;
