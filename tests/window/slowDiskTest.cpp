@@ -17,6 +17,7 @@ protected:
         if (!disk.isThere()) {
             GTEST_SKIP() << "NO SLOW DISK: FUSE (/dev/fuse, fuse3, python3-fusepy) does not work here";
         }
+        controller->gUpdateTimer->start();
         beat.callOnTimeout([this] { longestGap = std::max(longestGap, sinceBeat.restart()); });
         sinceBeat.start();
         beat.start(5);
