@@ -2,7 +2,7 @@
 #include "engine/fileEngine.h"
 #include "platform/host/renameItem.h"
 #include "text/stringEngine.h"
-#include "text/unicodeForms.h"
+#include "text/utf8Form.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -19,17 +19,12 @@ constexpr SvxIndex longestName = 255;
 std::string encodeName(const SvxString& name) {
     std::string bytes;
     const bool isWhole = name.visit([&bytes](auto units) {
-        bool isUsable = true;
-        forEachCharacter(units, [&](CodePoint character) {
-            isUsable = character != '/' && !isSurrogate(character);
-            if (isUsable && character != 0) {
-                bytes += encodeUtf8(character).view();
-            }
-            return isUsable;
-        });
-        return isUsable;
+        return writeUtf8(
+            units, [&bytes](std::string_view utf8) { bytes += utf8; }, noSubstitute);
     });
-    return isWhole && bytes != "." && bytes != ".." ? bytes : std::string();
+    std::erase(bytes, '\0');
+    const bool isName = isWhole && bytes.find('/') == std::string::npos && bytes != "." && bytes != "..";
+    return isName ? bytes : std::string();
 }
 
 bool differInCaseAlone(const SvxStringRef& a, const SvxStringRef& b) {

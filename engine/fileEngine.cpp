@@ -2,12 +2,12 @@
 #include "engine/fileEngine.h"
 
 #include "text/stringEngine.h"
-#include "text/textDecoding.h"
-#include "text/unicodeForms.h"
+#include "text/utf8Form.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <exception>
+#include <optional>
 #include <utility>
 
 namespace sonarin {
@@ -15,10 +15,6 @@ namespace sonarin {
 namespace {
 
 constexpr char16_t escapedByteBase = 0xDC00;
-
-bool isEscapedByte(CodePoint unit) {
-    return unit >= escapedByteBase + 0x80 && unit <= escapedByteBase + 0xFF;
-}
 
 std::u16string decodePath(std::string_view bytes) {
     std::u16string units(bytes.size(), u'\0');
@@ -37,31 +33,22 @@ std::u16string decodePath(std::string_view bytes) {
     return units;
 }
 
+/// The byte that a lone surrogate in a path stands for; nothing when it stands for none.
+std::optional<Utf8Character> escapedByte(CodePoint surrogate) {
+    if (surrogate < escapedByteBase + 0x80 || surrogate > escapedByteBase + 0xFF) {
+        return std::nullopt;
+    }
+    return Utf8Character{{static_cast<char>(surrogate - escapedByteBase)}, 1};
+}
+
 /// The bytes of a path up to the first U+0000, or none when a lone surrogate in it stands for no byte.
 std::string encodePath(const SvxString& text) {
     std::string bytes;
-    bool convertible = true;
-    text.visit([&](auto units) {
-        units = units.substr(0, units.find('\0'));
-        if constexpr (sizeof(units[0]) == 1) {
-            if (asciiRun(units) == units.size()) {
-                bytes = units;
-                return;
-            }
-        }
-        forEachCharacter(units, [&](CodePoint character) {
-            if (isEscapedByte(character)) {
-                bytes += static_cast<char>(character - escapedByteBase);
-                return true;
-            }
-            convertible = !isSurrogate(character);
-            if (convertible) {
-                bytes += encodeUtf8(character).view();
-            }
-            return convertible;
-        });
+    const bool isWhole = text.visit([&bytes](auto units) {
+        return writeUtf8(
+            beforeZero(units), [&bytes](std::string_view utf8) { bytes += utf8; }, escapedByte);
     });
-    return convertible ? bytes : std::string();
+    return isWhole ? bytes : std::string();
 }
 
 } // namespace

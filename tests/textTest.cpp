@@ -5,7 +5,7 @@
 #include "text/stringEngine.h"
 #include "text/textDecoding.h"
 #include "text/textSearch.h"
-#include "text/unicodeForms.h"
+#include "text/utf8Form.h"
 
 #include <gtest/gtest.h>
 #include <unicode/normalizer2.h>

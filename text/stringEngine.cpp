@@ -3,7 +3,7 @@
 
 #include "text/textDecoding.h"
 #include "text/textSearch.h"
-#include "text/unicodeForms.h"
+#include "text/utf8Form.h"
 
 #include <algorithm>
 #include <array>
@@ -73,32 +73,13 @@ private:
     std::string_view bytes_;
 };
 
-/// The stored elements when they are the text's UTF-8 form as well; else empty.
-std::string_view plainAscii(const SvxString& text) {
-    return text.visit([](auto units) {
-        if constexpr (sizeof(units[0]) == 1) {
-            const bool isPlain = asciiRun(units) == units.size() && units.find('\0') == units.npos;
-            return isPlain ? units : std::string_view();
-        } else {
-            return std::string_view();
-        }
-    });
-}
-
-/// The size of the UTF-8 form up to the first U+0000; nothing when a lone surrogate stands anywhere.
-std::optional<std::size_t> utf8Size(const SvxString& text) {
-    return text.visit([](auto units) -> std::optional<std::size_t> {
-        std::size_t size = 0;
-        bool convertible = true;
-        bool ended = false;
-        forEachCharacter(units, [&](CodePoint character) {
-            convertible = !isSurrogate(character);
-            ended = ended || character == 0;
-            size += ended || !convertible ? 0 : encodeUtf8(character).size;
-            return convertible;
-        });
-        return convertible ? std::optional(size) : std::nullopt;
-    });
+/// The size of the UTF-8 form; nothing when a lone surrogate stands in it.
+template <class Units>
+std::optional<std::size_t> utf8Size(Units units) {
+    std::size_t size = 0;
+    const bool isWhole = writeUtf8(
+        units, [&size](std::string_view bytes) { size += bytes.size(); }, noSubstitute);
+    return isWhole ? std::optional(size) : std::nullopt;
 }
 
 bool isWhiteSpace(char16_t unit) {
@@ -222,24 +203,19 @@ void appendAfterBlank(SvxStringRef* text, const SvxString& addition) {
     }
 }
 
-constexpr bool standsForItselfInURL(CodePoint character) {
-    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
-           (character >= '0' && character <= '9') ||
-           (character > 0 && character < 0x80 &&
-            std::string_view("-_.!~*'()").find(static_cast<char>(character)) != std::string_view::npos);
+constexpr bool standsForItselfInURL(char byte) {
+    return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || (byte >= '0' && byte <= '9') ||
+           std::string_view("-_.!~*'()").find(byte) != std::string_view::npos;
 }
 
-void appendForURL(CodePoint character, std::string& escaped) {
+void appendForURL(std::string_view bytes, std::string& escaped) {
     constexpr std::string_view hexDigits = "0123456789ABCDEF";
-    constexpr CodePoint replacementCharacter = 0xFFFD;
-    if (standsForItselfInURL(character)) {
-        escaped += static_cast<char>(character);
-        return;
-    }
-    const Utf8Character encoded = encodeUtf8(isSurrogate(character) ? replacementCharacter : character);
-    for (const char stored : encoded.view()) {
-        const auto byte = static_cast<unsigned char>(stored);
-        escaped += {'%', hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
+    for (const char byte : bytes) {
+        if (standsForItselfInURL(byte)) {
+            escaped += byte;
+        } else {
+            escaped += {'%', hexDigits[unitOf(byte) >> 4U], hexDigits[unitOf(byte) & 0xFU]};
+        }
     }
 }
 
@@ -421,8 +397,10 @@ std::uint32_t SvxStringGetUTF8Size(const SvxStringRef& text) noexcept {
     if (!text) {
         return 0;
     }
-    const std::string_view ascii = plainAscii(*text);
-    return utf8SizeIn32Bits(!ascii.empty() ? ascii.size() : utf8Size(*text).value_or(0));
+    return text->visit([](auto units) {
+        const bool isConvertible = utf8Size(units).has_value();
+        return isConvertible ? utf8SizeIn32Bits(*utf8Size(beforeZero(units))) : 0;
+    });
 }
 
 void SvxStringCopyToUTF8(const SvxStringRef& text, char* destination, std::uint32_t* size) noexcept {
@@ -430,19 +408,12 @@ void SvxStringCopyToUTF8(const SvxStringRef& text, char* destination, std::uint3
     if (*size == 0) {
         return;
     }
-    if (const std::string_view ascii = plainAscii(*text); !ascii.empty()) {
-        std::copy(ascii.begin(), ascii.end(), destination);
-        return;
-    }
     text->visit([destination](auto units) {
         char* out = destination;
-        forEachCharacter(units, [&out](CodePoint character) {
-            if (character == 0) {
-                return false;
-            }
-            out = encodeUtf8(character, out);
-            return true;
-        });
+        (void)writeUtf8(
+            beforeZero(units),
+            [&out](std::string_view bytes) { out = std::copy(bytes.begin(), bytes.end(), out); },
+            noSubstitute);
     });
 }
 
@@ -451,10 +422,9 @@ SvxStringRef SvxStringConvertToURL(const SvxStringRef& text) noexcept {
         std::string escaped;
         if (text) {
             text->visit([&escaped](auto units) {
-                forEachCharacter(units, [&escaped](CodePoint character) {
-                    appendForURL(character, escaped);
-                    return true;
-                });
+                (void)writeUtf8(
+                    units, [&escaped](std::string_view bytes) { appendForURL(bytes, escaped); },
+                    replacementCharacter);
             });
         }
         return makeText(escaped);

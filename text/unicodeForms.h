@@ -9,7 +9,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <string_view>
 
@@ -99,11 +98,6 @@ inline Utf8Character encodeUtf8(CodePoint character) {
 /// The same for the narrow storage of a text, in which every element is a character.
 inline CodePoint decodeUtf16(std::string_view narrow, std::size_t* position) {
     return unitOf(narrow[(*position)++]);
-}
-
-/// The size of a UTF-8 form where 32 bits tell it: 0 as for a text that has none when they cannot.
-constexpr std::uint32_t utf8SizeIn32Bits(std::size_t size) {
-    return size <= std::numeric_limits<std::uint32_t>::max() ? static_cast<std::uint32_t>(size) : 0;
 }
 
 /// Calls `onCharacter` for each character of a text's stored elements, lone surrogates as they stand, until

@@ -5,7 +5,7 @@
 #include "text/CMMCoreFunctions.h"
 #include "text/displayFormat.h"
 #include "text/stringEngine.h"
-#include "text/unicodeForms.h"
+#include "text/utf8Form.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -40,10 +40,8 @@ std::string plain(const SvxStringRef& text) {
     }
     std::string utf8;
     text->visit([&utf8](auto units) {
-        forEachCharacter(units, [&utf8](CodePoint character) {
-            utf8 += encodeUtf8(isSurrogate(character) ? 0xFFFD : character).view();
-            return true;
-        });
+        (void)writeUtf8(
+            units, [&utf8](std::string_view bytes) { utf8 += bytes; }, replacementCharacter);
     });
     return utf8;
 }
