@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <string_view>
 
 /// Localized strings by table and index, and small conversions.
 namespace sonarin {
@@ -31,6 +32,8 @@ const StringBundle* initStringBundle(const SvxStringRef& bundleIdentifier) noexc
 struct HFSUniStr255 {
     std::uint16_t length = 0;
     std::array<char16_t, 255> unicode{};
+
+    [[nodiscard]] std::u16string_view view() const noexcept { return {unicode.data(), length}; }
 };
 
 /// Fills `*name` with the text's first 255 units, without a mark where it was cut; absent gives length 0.
