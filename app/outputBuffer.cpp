@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/outputBuffer.h"
 
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <poll.h>
@@ -45,9 +46,9 @@ void OutputBuffer::appendBeyondBuffer(std::string_view bytes) {
 }
 
 void OutputBuffer::appendNumber(std::int64_t number) {
-    constexpr std::size_t longest = 20;
-    char* start = room(longest);
-    take(std::to_chars(start, start + longest, number).ptr);
+    std::array<char, 20> digits{}; // the longest, with its sign
+    const char* end = std::to_chars(digits.begin(), digits.end(), number).ptr;
+    append({digits.begin(), end});
 }
 
 bool OutputBuffer::flush() {

@@ -49,7 +49,7 @@ public:
     /// The sink must outlive the buffer.
     explicit OutputBuffer(OutputSink& sink);
 
-    [[gnu::always_inline]] void append(std::string_view bytes) {
+    void append(std::string_view bytes) {
         if (bytes.size() > capacity - used_) {
             appendBeyondBuffer(bytes);
             return;
@@ -64,17 +64,6 @@ public:
         buffer_[used_++] = byte;
     }
     void appendNumber(std::int64_t number);
-
-    /// Room for `size` bytes (at most `largestRoom`), which the caller sets from the front; `take` then
-    /// counts those before `end` as appended.
-    static constexpr std::size_t largestRoom = 4096;
-    [[nodiscard]] char* room(std::size_t size) {
-        if (size > capacity - used_) {
-            flush();
-        }
-        return buffer_.get() + used_;
-    }
-    void take(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.get()); }
 
     /// Writes what is gathered. False when this or an earlier write failed; errorNumber tells why.
     bool flush();
