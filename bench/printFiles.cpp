@@ -10,7 +10,6 @@
 #include "text/stringEngine.h"
 
 #include <fcntl.h>
-#include <malloc.h>
 #include <unistd.h>
 
 namespace sonarin::bench {
@@ -20,8 +19,6 @@ namespace {
 /// What the programs do at their start, once.
 void startUp() {
     static const bool done = [] {
-        mallopt(M_TRIM_THRESHOLD, 8 << 20);
-        mallopt(M_MMAP_THRESHOLD, 1 << 20);
         initStringBundle(SvxStringFromCString(bundleIdentifier));
         svxStringInitString();
         return true;

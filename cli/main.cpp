@@ -12,7 +12,6 @@
 #include "text/stringEngine.h"
 
 #include <exception>
-#include <malloc.h>
 #include <string_view>
 #include <unistd.h>
 
@@ -53,12 +52,6 @@ int run(int argc, char** argv) {
     if (call->action == CommandLine::Action::version) {
         return printAndExit("sonarin-info " SONARIN_VERSION "\n");
     }
-    // A read buffer and a cover come and go with every file: keep their memory instead of giving it back to
-    // the system and asking for it again each time.
-    mallopt(M_TRIM_THRESHOLD, 8 << 20); // NOLINT(concurrency-mt-unsafe): there is no second thread yet
-    mallopt(M_MMAP_THRESHOLD, 1 << 20); // NOLINT(concurrency-mt-unsafe)
-    mallopt(M_MXFAST, 0); // NOLINT(concurrency-mt-unsafe): or freeing the buffer walks all fast bins
-
     initStringBundle(SvxStringFromCString(bundleIdentifier));
     svxStringInitString();
     return call->action == CommandLine::Action::writeCover ? writeCoverOf(*call) : showFiles(*call);
