@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace sonarin {
 
@@ -16,11 +17,20 @@ SvxStringRef plainNumber(std::uint32_t number) {
     return SvxStringCreateWithFormat("%li", {number});
 }
 
-SvxStringRef yearText(const audioTags& record) {
+template <SvxStringRef audioTags::*member>
+SvxStringRef asItStands(const audioTags& record, const HostPicture* /*cover*/) noexcept {
+    return record.*member;
+}
+
+SvxStringRef durationText(const audioTags& record, const HostPicture* /*cover*/) noexcept {
+    return SvxStringMakeDurationString(record.mp3SongLen);
+}
+
+SvxStringRef yearText(const audioTags& record, const HostPicture* /*cover*/) noexcept {
     return record.mp3Year != 0 ? plainNumber(record.mp3Year) : nullptr;
 }
 
-SvxStringRef trackText(const audioTags& record) {
+SvxStringRef trackText(const audioTags& record, const HostPicture* /*cover*/) noexcept {
     if (record.mp3TheTrack == 0) {
         return nullptr;
     }
@@ -38,7 +48,7 @@ SvxStringRef samplingRateText(const audioTags& record) {
 }
 
 /// Both blanks before the sampling rate stay when there is none.
-SvxStringRef bitrateEtcText(const audioTags& record) {
+SvxStringRef bitRateText(const audioTags& record, const HostPicture* /*cover*/) noexcept {
     SvxStringRef samplingRate = samplingRateText(record);
     if (record.mp3BitRate == 0) {
         return samplingRate;
@@ -53,8 +63,63 @@ SvxStringRef entryOf(const std::array<const char*, Size>& texts, std::size_t ind
     return index < texts.size() ? SvxStringFromCString(texts.at(index)) : nullptr;
 }
 
-constexpr std::array<const char*, 4> channelModes = {"Stereo", " Joint Stereo", "Dual Mono", "Mono"};
-constexpr std::array<const char*, 5> tagVersions = {"", "ID3v1", "ID3v2", "ID3v3", "ID3v4"};
+SvxStringRef channelsText(const audioTags& record, const HostPicture* /*cover*/) noexcept {
+    constexpr std::array<const char*, 4> modes = {"Stereo", " Joint Stereo", "Dual Mono", "Mono"};
+    return entryOf(modes, record.mp3ChannelMode);
+}
+
+SvxStringRef tagVersionText(const audioTags& record, const HostPicture* /*cover*/) noexcept {
+    constexpr std::array<const char*, 5> versions = {"", "ID3v1", "ID3v2", "ID3v3", "ID3v4"};
+    return entryOf(versions, record.mp3TagVersion);
+}
+
+/// The size of the picture in points, in whole numbers, and of its bytes. A picture that nobody can decode
+/// has the size 0 x 0.
+SvxStringRef coverText(const audioTags& record, const HostPicture* cover) noexcept {
+    if (!record.mp3CoverArt) {
+        return nullptr;
+    }
+    const auto whole = [](double points) { return static_cast<std::int64_t>(std::max(points, 0.0)); };
+    return SvxStringCreateWithFormat("%li x %li, %li bytes",
+                                     {whole(cover != nullptr ? cover->widthInPoints() : 0.0),
+                                      whole(cover != nullptr ? cover->heightInPoints() : 0.0),
+                                      static_cast<std::int64_t>(record.mp3CoverArt.size())});
+}
+
+// clang-format off
+constexpr std::array<PanelFact, 14> facts = {{
+    // name                  label       caption text JSON
+    {"id3SongTitleField",    "Title",    false,   1,   3, asItStands<&audioTags::mp3SongTitleString>},
+    {"id3ArtistField",       "Artist",   false,   2,   4, asItStands<&audioTags::mp3ArtistString>},
+    {"id3AlbumField",        "Album",    false,   3,   5, asItStands<&audioTags::mp3AlbumString>},
+    {"id3DurationField",     "Duration", true,    9,   1, durationText},
+    {"id3BitrateEtcField",   "Bit rate", true,   10,   2, bitRateText},
+    {"id3ChannelsField",     "Channels", true,   11,  12, channelsText},
+    {"id3TagVersionField",   "Tag",      true,   13,  13, tagVersionText},
+    {"coverArtDetailsField", "Cover",    true,    0,   0, coverText},
+    {"id3TrackNumberField",  "Track",    true,    4,  11, trackText},
+    {"id3YearField",         "Year",     true,    5,   6, yearText},
+    {"id3GenreField",        "Genre",    true,    6,   9, asItStands<&audioTags::mp3Genre2String>},
+    {"id3ComposerField",     "Composer", true,    7,   7, asItStands<&audioTags::mp3ComposerString>},
+    {"id3EncoderAppField",   "Encoder",  true,   12,   8, asItStands<&audioTags::mp3EncoderAppString>},
+    {"id3CommentField",      "Comment",  true,    8,  10, asItStands<&audioTags::mp3CommentString>},
+}};
+// clang-format on
+
+/// The facts that have a place, in the order of their places.
+template <int PanelFact::*place>
+constexpr auto inOrder = [] {
+    constexpr auto hasPlace = [](const PanelFact& fact) { return fact.*place != 0; };
+    std::array<const PanelFact*, std::ranges::count_if(facts, hasPlace)> ordered{};
+    auto* next = ordered.begin();
+    for (const PanelFact& fact : facts) {
+        if (hasPlace(fact)) {
+            *next++ = &fact;
+        }
+    }
+    std::ranges::sort(ordered, {}, [](const PanelFact* fact) { return std::pair(fact->*place, fact); });
+    return ordered;
+}();
 
 } // namespace
 
@@ -66,33 +131,16 @@ SvxStringRef panelFileSize(const HostFileAttributes& attributes) noexcept {
     return attributes.isRegular ? SvxStringMakeSizeString(attributes.size) : SvxStringFromCString("n.a.");
 }
 
-PanelFacts panelFacts(const audioTags& record) noexcept {
-    PanelFacts facts;
-    facts.id3DurationField = SvxStringMakeDurationString(record.mp3SongLen);
-    facts.id3BitrateEtcField = bitrateEtcText(record);
-    facts.id3SongTitleField = record.mp3SongTitleString;
-    facts.id3ArtistField = record.mp3ArtistString;
-    facts.id3AlbumField = record.mp3AlbumString;
-    facts.id3YearField = yearText(record);
-    facts.id3ComposerField = record.mp3ComposerString;
-    facts.id3EncoderAppField = record.mp3EncoderAppString;
-    facts.id3GenreField = record.mp3Genre2String;
-    facts.id3CommentField = record.mp3CommentString;
-    facts.id3TrackNumberField = trackText(record);
-    facts.id3ChannelsField = entryOf(channelModes, record.mp3ChannelMode);
-    facts.id3TagVersionField = entryOf(tagVersions, record.mp3TagVersion);
+std::span<const PanelFact> panelFacts() noexcept {
     return facts;
 }
 
-SvxStringRef panelCoverDetails(const audioTags& record, const HostPicture* picture) noexcept {
-    if (!record.mp3CoverArt) {
-        return SvxStringFromCString("");
-    }
-    const auto whole = [](double points) { return static_cast<std::int64_t>(std::max(points, 0.0)); };
-    return SvxStringCreateWithFormat("%li x %li, %li bytes",
-                                     {whole(picture != nullptr ? picture->widthInPoints() : 0.0),
-                                      whole(picture != nullptr ? picture->heightInPoints() : 0.0),
-                                      static_cast<std::int64_t>(record.mp3CoverArt.size())});
+std::span<const PanelFact* const> panelFactsInText() noexcept {
+    return inOrder<&PanelFact::placeInText>;
+}
+
+std::span<const PanelFact* const> panelFactsInJson() noexcept {
+    return inOrder<&PanelFact::placeInJson>;
 }
 
 SvxStringRef panelLyrics(const audioTags& record) noexcept {

@@ -5,6 +5,9 @@
 #include "platform/host/fileAttributes.h"
 #include "text/SvxString.h"
 
+#include <span>
+#include <string_view>
+
 /// What the information panel says about a file. The window and the terminal program show these texts
 /// unchanged; an absent one shows as "".
 namespace sonarin {
@@ -15,30 +18,23 @@ namespace sonarin {
 /// The size of a regular file; "n.a." for anything else.
 [[nodiscard]] SvxStringRef panelFileSize(const HostFileAttributes& attributes) noexcept;
 
-/// The texts of the fact fields, by the name of their outlets. The details of the cover picture need the
-/// decoded picture and stand apart.
-struct PanelFacts {
-    SvxStringRef id3DurationField;
-    SvxStringRef id3BitrateEtcField;
-    SvxStringRef id3SongTitleField;
-    SvxStringRef id3ArtistField;
-    SvxStringRef id3AlbumField;
-    SvxStringRef id3YearField;
-    SvxStringRef id3ComposerField;
-    SvxStringRef id3EncoderAppField;
-    SvxStringRef id3GenreField;
-    SvxStringRef id3CommentField;
-    SvxStringRef id3TrackNumberField;
-    SvxStringRef id3ChannelsField;
-    SvxStringRef id3TagVersionField;
+/// One fact about a file that was read, and where it is shown. The lines of the text and the members of the
+/// JSON stand in the order of their places, those of one place in the order of the facts.
+struct PanelFact {
+    std::string_view name;  ///< of the value in the window and of the member
+    std::string_view label; ///< the value's caption, and the start of the line
+    bool hasCaption;        ///< a value without one is called by the label where it is read aloud
+    int placeInText;        ///< 0 for none
+    int placeInJson;        ///< 0 for none
+    /// `cover` is the decoded picture where the window shows one.
+    SvxStringRef (*text)(const audioTags& record, const HostPicture* cover) noexcept;
 };
 
-/// The facts of a file that was read.
-[[nodiscard]] PanelFacts panelFacts(const audioTags& record) noexcept;
-
-/// The size of the cover picture in points, in whole numbers, and of its bytes; "" without a cover. A picture
-/// that nobody can decode has the size 0 x 0.
-[[nodiscard]] SvxStringRef panelCoverDetails(const audioTags& record, const HostPicture* picture) noexcept;
+/// All facts, in the order of the window.
+[[nodiscard]] std::span<const PanelFact> panelFacts() noexcept;
+/// Those that the other outputs have, in theirs.
+[[nodiscard]] std::span<const PanelFact* const> panelFactsInText() noexcept;
+[[nodiscard]] std::span<const PanelFact* const> panelFactsInJson() noexcept;
 
 /// The lyrics, or one blank when there are none.
 [[nodiscard]] SvxStringRef panelLyrics(const audioTags& record) noexcept;

@@ -110,20 +110,9 @@ void appendText(OutputBuffer& out, const SvxStringRef& path, const HostFileAttri
     if (record == nullptr) {
         return;
     }
-    const PanelFacts facts = panelFacts(*record);
-    list.field("Title", facts.id3SongTitleField);
-    list.field("Artist", facts.id3ArtistField);
-    list.field("Album", facts.id3AlbumField);
-    list.field("Track", facts.id3TrackNumberField);
-    list.field("Year", facts.id3YearField);
-    list.field("Genre", facts.id3GenreField);
-    list.field("Composer", facts.id3ComposerField);
-    list.field("Comment", facts.id3CommentField);
-    list.field("Duration", facts.id3DurationField);
-    list.field("Bit rate", facts.id3BitrateEtcField);
-    list.field("Channels", facts.id3ChannelsField);
-    list.field("Encoder", facts.id3EncoderAppField);
-    list.field("Tag", facts.id3TagVersionField);
+    for (const PanelFact* fact : panelFactsInText()) {
+        list.field(fact->label, fact->text(*record, nullptr));
+    }
     if (record->mp3CoverArtPlace.size != 0) {
         const bool isKnown = record->mp3CoverArtType != 0;
         list.field("Cover", SvxStringCreateWithFormat(

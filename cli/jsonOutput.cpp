@@ -187,22 +187,6 @@ void appendRecord(JsonWriter& json, const audioTags& record) {
     json.endObject();
 }
 
-void appendFacts(JsonWriter& json, const PanelFacts& facts) {
-    json.shownText("id3DurationField", facts.id3DurationField);
-    json.shownText("id3BitrateEtcField", facts.id3BitrateEtcField);
-    json.shownText("id3SongTitleField", facts.id3SongTitleField);
-    json.shownText("id3ArtistField", facts.id3ArtistField);
-    json.shownText("id3AlbumField", facts.id3AlbumField);
-    json.shownText("id3YearField", facts.id3YearField);
-    json.shownText("id3ComposerField", facts.id3ComposerField);
-    json.shownText("id3EncoderAppField", facts.id3EncoderAppField);
-    json.shownText("id3GenreField", facts.id3GenreField);
-    json.shownText("id3CommentField", facts.id3CommentField);
-    json.shownText("id3TrackNumberField", facts.id3TrackNumberField);
-    json.shownText("id3ChannelsField", facts.id3ChannelsField);
-    json.shownText("id3TagVersionField", facts.id3TagVersionField);
-}
-
 void appendPanel(JsonWriter& json, const ShownFile& file) {
     const audioTags cleared;
     const audioTags& shown = file.isRead() ? file.record : cleared;
@@ -210,7 +194,9 @@ void appendPanel(JsonWriter& json, const ShownFile& file) {
     json.shownText("windowTitle", panelWindowTitle(file.path));
     json.shownText("fileNameField", feLastPathComponent(file.path));
     json.shownText("fileSizeField", panelFileSize(file.attributes));
-    appendFacts(json, file.isRead() ? panelFacts(file.record) : PanelFacts());
+    for (const PanelFact* fact : panelFactsInJson()) {
+        json.shownText(fact->name, file.isRead() ? fact->text(file.record, nullptr) : nullptr);
+    }
     json.text("lyricsText", panelLyrics(shown));
     json.boolean("lyricsButton", hasLyrics(shown));
     // The menus and the Twitter button go by what the record holds, also after a failed read.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/window/AppController.h"
 
-#include "app/panelTexts.h"
 #include "app/shownFile.h"
 #include "app/window/FollowStatus.h"
 #include "app/window/accessibility.h"
@@ -105,20 +104,26 @@ void AppController::loadInterface() {
     fileIconField = main.fileIconField;
     fileNameField = main.fileNameField;
     fileSizeField = main.fileSizeField;
-    id3DurationField = main.id3DurationField;
-    id3BitrateEtcField = main.id3BitrateEtcField;
-    id3SongTitleField = main.id3SongTitleField;
-    id3ArtistField = main.id3ArtistField;
-    id3AlbumField = main.id3AlbumField;
-    id3YearField = main.id3YearField;
-    id3ComposerField = main.id3ComposerField;
-    id3EncoderAppField = main.id3EncoderAppField;
-    id3GenreField = main.id3GenreField;
-    id3CommentField = main.id3CommentField;
-    id3TrackNumberField = main.id3TrackNumberField;
-    coverArtDetailsField = main.coverArtDetailsField;
-    id3ChannelsField = main.id3ChannelsField;
-    id3TagVersionField = main.id3TagVersionField;
+    for (const PanelFact& fact : panelFacts()) {
+        factFields_.push_back({&fact, main.panelView->valueOf(fact)});
+    }
+    const auto value = [&main](const char* name) {
+        return main.panelView->findChild<ValueLabel*>(QLatin1StringView(name));
+    };
+    id3DurationField = value("id3DurationField");
+    id3BitrateEtcField = value("id3BitrateEtcField");
+    id3SongTitleField = value("id3SongTitleField");
+    id3ArtistField = value("id3ArtistField");
+    id3AlbumField = value("id3AlbumField");
+    id3YearField = value("id3YearField");
+    id3ComposerField = value("id3ComposerField");
+    id3EncoderAppField = value("id3EncoderAppField");
+    id3GenreField = value("id3GenreField");
+    id3CommentField = value("id3CommentField");
+    id3TrackNumberField = value("id3TrackNumberField");
+    coverArtDetailsField = value("coverArtDetailsField");
+    id3ChannelsField = value("id3ChannelsField");
+    id3TagVersionField = value("id3TagVersionField");
     syncCheckbox = main.syncCheckbox;
     syncMenu = main.syncMenu;
     followStatusField = main.followStatusField;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/findMenu.h"
+#include "app/panelTexts.h"
 #include "app/renameMenu.h"
 #include "app/window/ConnectWindow.h"
 #include "app/window/FileReading.h"
@@ -263,6 +264,12 @@ private:
     void editWith(std::uint32_t creator, const QString& failure);
     void showAlert(const QString& title);
     void addInstalledEditors();
+
+    struct FactField {
+        const PanelFact* fact;
+        ValueLabel* value;
+    };
+    std::vector<FactField> factFields_;
 
     SelectionSources* sources_;
     UserDefaults* defaults_;

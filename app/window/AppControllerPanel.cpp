@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The information panel: what it shows for a path.
 #include "app/hiddenTexts.h"
-#include "app/panelTexts.h"
 #include "app/window/AppController.h"
 #include "app/window/cocoaUtils.h"
 #include "engine/fileEngine.h"
@@ -21,28 +20,6 @@ namespace sonarin {
 namespace {
 
 constexpr QLatin1StringView readsTagsByStandard("readsTagsByStandard");
-
-struct FactField {
-    ValueLabel* AppController::*field;
-    SvxStringRef PanelFacts::*text;
-};
-
-/// All fact fields but the cover's, whose text needs the picture.
-constexpr std::array<FactField, 13> factFields = {{
-    {&AppController::id3DurationField, &PanelFacts::id3DurationField},
-    {&AppController::id3SongTitleField, &PanelFacts::id3SongTitleField},
-    {&AppController::id3ArtistField, &PanelFacts::id3ArtistField},
-    {&AppController::id3AlbumField, &PanelFacts::id3AlbumField},
-    {&AppController::id3YearField, &PanelFacts::id3YearField},
-    {&AppController::id3ComposerField, &PanelFacts::id3ComposerField},
-    {&AppController::id3EncoderAppField, &PanelFacts::id3EncoderAppField},
-    {&AppController::id3GenreField, &PanelFacts::id3GenreField},
-    {&AppController::id3CommentField, &PanelFacts::id3CommentField},
-    {&AppController::id3TagVersionField, &PanelFacts::id3TagVersionField},
-    {&AppController::id3TrackNumberField, &PanelFacts::id3TrackNumberField},
-    {&AppController::id3BitrateEtcField, &PanelFacts::id3BitrateEtcField},
-    {&AppController::id3ChannelsField, &PanelFacts::id3ChannelsField},
-}};
 
 /// A window title takes "[*]" for the mark of a changed document, unless it is doubled.
 QString asWindowTitle(QString title) {
@@ -303,10 +280,9 @@ void AppController::finishUpdate() {
 }
 
 void AppController::clearFacts() {
-    for (const FactField& fact : factFields) {
-        cocoaUtils::setStringValue(this->*fact.field, nullptr);
+    for (const FactField& field : factFields_) {
+        cocoaUtils::setStringValue(field.value, nullptr);
     }
-    cocoaUtils::setStringValue(coverArtDetailsField, nullptr);
     showLyricsText(panelLyrics(audioTags()));
     enableLyrics(false);
 }
@@ -319,11 +295,9 @@ void AppController::enableLyrics(bool isEnabled) {
 void AppController::showFacts(const HostPicture* cover) {
     enableLyrics(hasLyrics(currentItem));
     showLyricsText(panelLyrics(currentItem));
-    const PanelFacts facts = panelFacts(currentItem);
-    for (const FactField& fact : factFields) {
-        cocoaUtils::setStringValue(this->*fact.field, facts.*fact.text);
+    for (const FactField& field : factFields_) {
+        cocoaUtils::setStringValue(field.value, field.fact->text(currentItem, cover));
     }
-    cocoaUtils::setStringValue(coverArtDetailsField, panelCoverDetails(currentItem, cover));
 }
 
 /// Far more than any song has is cut, and a line that is far too long: laying them out would hold the window

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/window/PanelView.h"
 
+#include "app/panelTexts.h"
 #include "app/window/PictureView.h"
 #include "app/window/ValueLabel.h"
 #include "app/window/textColours.h"
@@ -19,6 +20,10 @@ constexpr qsizetype songNames = 3; ///< the names before these of the file
 constexpr int leastPicture = 64;
 constexpr int mostCommentLines = 4; ///< before the picture may grow
 
+QString asString(std::string_view ascii) {
+    return QLatin1StringView(ascii.data(), static_cast<qsizetype>(ascii.size()));
+}
+
 } // namespace
 
 PanelView::PanelView(QWidget* parent) : QWidget(parent) {
@@ -29,21 +34,61 @@ PanelView::PanelView(QWidget* parent) : QWidget(parent) {
 
 void PanelView::adopt() {
     picture_ = findChild<PictureView*>(QString(), Qt::FindDirectChildrenOnly);
+    for (const PanelFact& fact : panelFacts()) {
+        ValueLabel* value = valueOf(fact);
+        if (fact.hasCaption) {
+            facts_.append(value);
+            captions_.append(captionOf(value, asString(fact.label)));
+        }
+    }
     for (ValueLabel* value : findChildren<ValueLabel*>(QString(), Qt::FindDirectChildrenOnly)) {
         connect(value, &ValueLabel::valueChanged, this, &PanelView::placeSoon);
-        if (value->caption().isEmpty()) {
+        if (!facts_.contains(value)) {
             names_.append(value);
-            continue;
         }
-        auto* caption = new QLabel(value->caption(), this);
-        caption->setObjectName(value->objectName() + QStringLiteral("Label"));
-        caption->setTextFormat(Qt::PlainText);
-        caption->setBuddy(value);
-        facts_.append(value);
-        captions_.append(caption);
     }
     connect(picture_, &PictureView::imageChanged, this, &PanelView::placeSoon);
+    putInOrder();
     dimCaptions();
+}
+
+/// For who goes through them by the keyboard, or from one to the next with a screen reader. The toolkit moves
+/// only what takes the focus, as a value does while it has a text.
+void PanelView::putInOrder() {
+    ValueLabel* before = names_.last();
+    for (ValueLabel* value : facts_) {
+        value->raise();
+        before->setFocusPolicy(Qt::StrongFocus);
+        value->setFocusPolicy(Qt::StrongFocus);
+        setTabOrder(before, value);
+        before->setFocusPolicy(Qt::NoFocus);
+        before = value;
+    }
+    before->setFocusPolicy(Qt::NoFocus);
+    for (QLabel* caption : captions_) {
+        caption->raise();
+    }
+}
+
+ValueLabel* PanelView::valueOf(const PanelFact& fact) {
+    const QString name = asString(fact.name);
+    auto* value = findChild<ValueLabel*>(name, Qt::FindDirectChildrenOnly);
+    if (value == nullptr) {
+        value = new ValueLabel(this);
+        value->setObjectName(name);
+    }
+    if (value->accessibleName().isEmpty()) {
+        value->setAccessibleName(asString(fact.label));
+    }
+    return value;
+}
+
+QLabel* PanelView::captionOf(ValueLabel* value, const QString& label) {
+    auto* caption = new QLabel(label, this);
+    caption->setObjectName(value->objectName() + QStringLiteral("Label"));
+    caption->setTextFormat(Qt::PlainText);
+    caption->setBuddy(value);
+    return caption;
 }
 
 bool PanelView::event(QEvent* event) {

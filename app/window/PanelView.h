@@ -10,11 +10,12 @@ namespace sonarin {
 
 class PictureView;
 class ValueLabel;
+struct PanelFact;
 
 /// The part of the window that a person reads: the picture, what names the song, and the facts, each beside
-/// its caption. Its children are the picture and the values, in the order of the form: those without a
-/// caption name the song, the last of the others (the comment) takes whole lines. It places them by the room
-/// there is:
+/// its caption. Its children are the picture and the values: those without a caption name the song, the last
+/// of the others (the comment) takes whole lines. The form has those that look or are called in a way of
+/// their own; the rest is made here, by the table of facts. It places them by the room there is:
 ///
 /// - narrow: one below the other, the facts in one column;
 /// - else the names beside the picture and below them the facts in two columns;
@@ -27,8 +28,10 @@ class PanelView : public QWidget {
 public:
     explicit PanelView(QWidget* parent = nullptr);
 
-    /// Takes the children over; to be called once when the form has made them.
+    /// Takes over the children that the form has made, and makes the others; to be called once.
     void adopt();
+    /// The value of a fact.
+    [[nodiscard]] ValueLabel* valueOf(const PanelFact& fact);
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
     /// The least height.
@@ -55,6 +58,8 @@ private:
     static constexpr int captionGap = 7;
     static constexpr int columnGap = 12;
 
+    [[nodiscard]] QLabel* captionOf(ValueLabel* value, const QString& label);
+    void putInOrder();
     void dimCaptions();
     [[nodiscard]] int captionWidth() const;
     [[nodiscard]] bool isNarrow(int width) const;
@@ -73,7 +78,7 @@ private:
     PictureView* picture_ = nullptr;
     bool isPlaceDue_ = false;
     QList<ValueLabel*> names_; ///< title, artist, album; the file's name and size
-    QList<ValueLabel*> facts_; ///< the comment last
+    QList<ValueLabel*> facts_; ///< those with a caption; the comment last
     QList<QLabel*> captions_;  ///< of the facts
 };
 

@@ -14,8 +14,6 @@ class ValueLabel : public QLabel {
     Q_PROPERTY(double textScale READ textScale WRITE setTextScale)
     /// A text that matters less is shown weaker.
     Q_PROPERTY(bool secondary READ isSecondary WRITE setSecondary)
-    /// What the value is; stands beside it, unless it is told by the accessible name alone.
-    Q_PROPERTY(QString caption READ caption WRITE setCaption)
     /// How many lines it may take; more than one only where it has room for them.
     Q_PROPERTY(int mostLines READ mostLines WRITE setMostLines)
     /// A blank at the start belongs to the text and is not to be seen.
@@ -34,8 +32,6 @@ public:
     void setTextScale(double scale);
     [[nodiscard]] bool isSecondary() const { return isSecondary_; }
     void setSecondary(bool secondary);
-    [[nodiscard]] QString caption() const { return caption_; }
-    void setCaption(const QString& caption) { caption_ = caption; }
     [[nodiscard]] int mostLines() const { return mostLines_; }
     void setMostLines(int most);
     [[nodiscard]] bool isLeadingBlankHidden() const { return isLeadingBlankHidden_; }
@@ -67,7 +63,6 @@ private:
 
     double textScale_ = 1;
     bool isSecondary_ = false;
-    QString caption_;
     int mostLines_ = 1;
     bool isLeadingBlankHidden_ = false;
     QString fixedToolTip_;
