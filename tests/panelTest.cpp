@@ -5,6 +5,7 @@
 #include "app/textOutput.h"
 #include "cli/jsonOutput.h"
 #include "tests/support/testFolder.h"
+#include "text/stringEngine.h"
 
 #include <gtest/gtest.h>
 
@@ -181,6 +182,36 @@ TEST(Panel, StandsInJson) {
         R"("id3TagVersionField": "", "lyricsText": " ", "lyricsButton": false, "twitterButton": false, )"
         R"("renamePopup": ["Rename to:   T.mp3"], "findInShelvixPopup": ["Find all songs \"T\" in Shelvix"]}})"
         "\n");
+}
+
+TEST(Panel, EscapesWhatOutputsCannotHold) {
+    struct Case {
+        std::u16string title;
+        const char* json;
+        const char* inText;
+    };
+    using namespace std::string_literals;
+    for (const Case& c : std::vector<Case>{
+             {u"\"\\/ ~", R"(\"\\/ ~)", R"("\/ ~)"},
+             {u"a\0\x1B\x1F\x7F\x9F\n\r\t\xA0z"s,
+              R"(a\u0000\u001b\u001f\u007f\u009f\u000a\u000d\u0009)"
+              "\u00A0z",
+              "a\\x00\\x1B\\x1F\\x7F\\x9F\\n\\r\\t\u00A0z"},
+             {u"\U0001F3B5\u2027\u2028\u202E\u202F", "\U0001F3B5\u2027\u2028\u202E\u202F",
+              "\U0001F3B5\u2027\\u{2028}\\u{202E}\u202F"},
+             {u"\u061B\u061C\u200D\u200E\u200F\u2065\u2066\u2069\u206A",
+              "\u061B\u061C\u200D\u200E\u200F\u2065\u2066\u2069\u206A",
+              "\u061B\\u{061C}\u200D\\u{200E}\\u{200F}\u2065\\u{2066}\\u{2069}\u206A"},
+             {{0xD800, 'A', 0xDC00}, R"(\ud800A\udc00)", "\uFFFDA\uFFFD"},
+             {u"ab\0\0"s, R"(ab\u0000\u0000)", "ab"}, // a terminator is not shown
+         }) {
+        audioTags record;
+        record.mp3SongTitleString = SvxStringFromUTF16(c.title);
+        EXPECT_NE(asText(&record).find("\nTitle     "s + c.inText + '\n'), std::string::npos) << c.inText;
+        EXPECT_NE(asJson(std::move(record), 0).find("\"id3SongTitleField\": \""s + c.json + "\", \"id3Ar"),
+                  std::string::npos)
+            << c.json;
+    }
 }
 
 TEST(Panel, OffersNamesAndSearches) {
