@@ -100,7 +100,7 @@ private:
     bool mayReadText(std::uint64_t position) {
         aacAtomHeader value;
         return readHeader(cache_, position + headerSize, &value) == fileNoErr &&
-               budget_.allows(position, value.size);
+               budget_.allows(position + headerSize, value.size);
     }
 
     /// The first four characters of a date, taken for digits unseen.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 
 namespace sonarin {
@@ -13,14 +12,15 @@ class ReadBudget {
 public:
     explicit ReadBudget(std::uint64_t fileSize) noexcept : fileSize_(fileSize), left_(fileSize + slack) {}
 
-    /// Whether `size` bytes at `position`, as many of them as the file has, may be read; if so, they count.
+    /// Whether `size` bytes at `position` may be read; if so, they count, and if not, nothing more is read.
+    /// What goes beyond the file's end is never read, so that it may be asked for at no cost.
     [[nodiscard]] bool allows(std::uint64_t position, std::uint64_t size) noexcept {
-        const std::uint64_t count = std::min(size, fileSize_ - std::min(position, fileSize_));
-        if (count > left_) {
-            return false;
+        if (position > fileSize_ || size > fileSize_ - position) {
+            return true;
         }
-        left_ -= count;
-        return true;
+        const bool isLeft = size <= left_;
+        left_ = isLeft ? left_ - size : 0;
+        return isLeft;
     }
 
 private:
