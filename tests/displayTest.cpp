@@ -153,13 +153,16 @@ TEST(LocalizedStrings, ParseTheirSyntax) {
 }
 
 TEST(HFSNames, AreCutAt255Units) {
+    const std::string nearlyFull(254, 'a');
     HFSUniStr255 name;
-    utMakeHFSStringFromCFString(text(std::string(254, 'a') + "🎵"), &name);
-    EXPECT_EQ(name.view(), std::u16string(254, u'a') + u'\xD83C');
-    utMakeHFSStringFromCFString(text("né日"), &name);
-    EXPECT_EQ(name.view(), u"né日");
-    utMakeHFSStringFromCFString(SvxStringGetEmpty(), &name);
-    EXPECT_EQ(name.length, 0);
+    for (const auto& [value, units] : std::vector<std::pair<SvxStringRef, std::u16string>>{
+             {text(nearlyFull + "🎵"), std::u16string(254, u'a') + u'\xD83C'},
+             {text(nearlyFull + "é"), std::u16string(254, u'a') + u'é'},
+             {text("né日"), u"né日"},
+             {SvxStringGetEmpty(), u""}}) {
+        utMakeHFSStringFromCFString(value, &name);
+        EXPECT_EQ(name.view(), units);
+    }
 }
 
 } // namespace

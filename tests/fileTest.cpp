@@ -250,14 +250,16 @@ TEST(Files, NeverGetNumberZero) {
 }
 
 TEST(Paths, ComeBackAsTheyWere) {
+    FSRef ref;
     for (const std::string path :
-         {"/a/b.mp3", "/ä/日本/🎵.mp3", "/\xFF\xE9/\xC3.mp3", "\xED\xA0\x80", "\xEF\xBB\xBF"}) {
-        FSRef ref;
+         {"/a/b.mp3", "/ä/日本/🎵.mp3", "/\xFF\x80/\xC3.mp3", "\xED\xA0\x80", "\xEF\xBB\xBF"}) {
         EXPECT_EQ(feMakeFSRefFromPath(feMakePathText(path), &ref), 0);
         EXPECT_EQ(ref.path, path);
     }
-    FSRef ref;
-    EXPECT_EQ(feMakeFSRefFromPath(SvxStringFromUTF16(u"a\xD800"), &ref), feHostError(ENOENT));
+    for (const char16_t* none : {u"", u"a\xD800", u"a\xDC7F", u"a\xDD00"}) {
+        EXPECT_EQ(feMakeFSRefFromPath(SvxStringFromUTF16(none), &ref), feHostError(ENOENT));
+    }
+    EXPECT_EQ(feMakeFSRefFromPath(SvxStringGetEmpty(), &ref), feHostError(ENOENT));
     EXPECT_EQ(feMakeFSRefFromPath(SvxStringFromUTF8(std::string("a\0b", 3)), &ref), 0);
     EXPECT_EQ(ref.path, "a");
 }

@@ -38,30 +38,48 @@ TEST(TextValue, TellsAbsentFromEmpty) {
 
 TEST(TextValue, DecodesBytes) {
     struct Case {
-        std::string bytes;
-        std::string expected;
+        SvxStringRef (*decode)(std::string_view bytes) noexcept;
+        std::string bytes, expected;
     };
     for (const Case& c : std::vector<Case>{
-             {"\x8A\xDB\xF0", "ä€\xEF\xA3\xBF"}, // 0xF0 is the private-use U+F8FF
-             {bytes("a\0b"), bytes("a\0b")},
-             {"\xDE\xDF", "\xEF\xAC\x81\xEF\xAC\x82"}, // the ligatures fi and fl
+             {SvxStringFromCString, "\x8A\xDB\xF0", "ä€\xEF\xA3\xBF"}, // 0xF0 is the private-use U+F8FF
+             {SvxStringFromCString, bytes("a\0b"), bytes("a\0b")},
+             {SvxStringFromCString, "\xDE\xDF", "\xEF\xAC\x81\xEF\xAC\x82"}, // the ligatures fi and fl
+             {SvxStringFromUTF8, "\xC3\xA9", "é"},
+             {SvxStringFromUTF8, "\xE9", "È"},                      // Mac OS Roman
+             {SvxStringFromUTF8, "\xED\xA0\x80", "Ì†Ä"},            // a surrogate is no UTF-8
+             {SvxStringFromUTF8, "\xC0\xAF", "¿Ø"},                 // nor is an overlong form
+             {SvxStringFromUTF8, "\xEF\xBB\xBFx", "\xEF\xBB\xBFx"}, // a byte-order mark stays
+             {SvxStringFromUTF8, "\xF0\x9F\x8E\xB5", "🎵"},
+             {SvxStringFromUTF8, std::string(100, 'a') + "\xE2\x82", std::string(100, 'a') + "‚Ç"},
+             {SvxStringFromLatin1, "\xE9", "é"},
          }) {
-        EXPECT_EQ(plain(SvxStringFromCString(c.bytes)), c.expected);
+        EXPECT_EQ(plain(c.decode(c.bytes)), c.expected);
     }
-    for (const Case& c : std::vector<Case>{
-             {"\xC3\xA9", "é"},
-             {"\xE9", "È"},                      // Mac OS Roman
-             {"\xED\xA0\x80", "Ì†Ä"},            // a surrogate is no UTF-8
-             {"\xC0\xAF", "¿Ø"},                 // nor is an overlong form
-             {"\xEF\xBB\xBFx", "\xEF\xBB\xBFx"}, // a byte-order mark stays
-             {"\xF0\x9F\x8E\xB5", "🎵"},
-             {std::string(100, 'a') + "\xE2\x82", std::string(100, 'a') + "‚Ç"},
-         }) {
-        EXPECT_EQ(plain(SvxStringFromUTF8(c.bytes)), c.expected);
+}
+
+TEST(TextValue, HandsOutUnitsAndRangesWithinTheTextAlone) {
+    struct Case {
+        std::string text;
+        SvxIndex start, length;
+        char16_t unit; ///< at the start
+        std::string range;
+    };
+    for (const Case& c : std::vector<Case>{{"aé日", 1, 2, u'é', "é日"},
+                                           {"a🎵", 2, 1, 0xDFB5, "\xEF\xBF\xBD"},
+                                           {"abc", 0, 0, 'a', ""},
+                                           {"abc", 3, 0, 0, ""},
+                                           {"abc", 2, 2, 'c', "(absent)"},
+                                           {"abc", 4, 0, 0, "(absent)"},
+                                           {"abc", 4, -1, 0, "(absent)"},
+                                           {"abc", 1, -1, 'b', "(absent)"},
+                                           {"abc", -1, 1, 0, "(absent)"}}) {
+        EXPECT_EQ(SvxStringGetUniChar(text(c.text), c.start), c.unit) << c.text << c.start;
+        EXPECT_EQ(plain(SvxStringCreateWithSubstring(text(c.text), c.start, c.length)), c.range)
+            << c.text << c.start;
     }
-    EXPECT_EQ(SvxStringGetLength(text("🎵")), 2);
-    EXPECT_EQ(SvxStringGetUniChar(text("🎵"), 1), 0xDFB5);
-    EXPECT_EQ(SvxStringGetUniChar(text("a"), 1), 0);
+    EXPECT_EQ(SvxStringGetUniChar(SvxStringGetEmpty(), 0), 0);
+    EXPECT_FALSE(SvxStringCreateWithSubstring(SvxStringGetEmpty(), 0, 0));
 }
 
 /// Delivers three to six bytes at a time, and can change or fail between the two passes.
@@ -135,20 +153,29 @@ TEST(TextValue, FindsUnderCanonicalEquivalenceAndCase) {
 }
 
 TEST(TextValue, TestsBeginningsAndEnds) {
-    EXPECT_TRUE(SvxStringEndsWithCString(text("song.mp3"), ".MP3", false));
-    EXPECT_FALSE(SvxStringEndsWithCString(text("song.mp3"), ".MP3", true));
-    EXPECT_TRUE(SvxStringEndsWithCString(text("x.mp3.mp3"), ".MP3", false));
-    EXPECT_FALSE(SvxStringEndsWithCString(text("mp3"), ".MP3", false));
-    EXPECT_FALSE(SvxStringEndsWithCString(text("song.mp3\u0301"), ".MP3", false));
-    EXPECT_TRUE(SvxStringEndsWithCString(text("日本.mp3"), ".MP3", false));
-    EXPECT_FALSE(SvxStringEndsWithCString(text("song.mp3"), "", false));
-    EXPECT_TRUE(SvxStringBeginsWithCString(text("iTunNORM 000"), "iTunNORM", false));
-    EXPECT_FALSE(SvxStringBeginsWithCString(text("xiTunNORM"), "iTunNORM", false));
-    EXPECT_TRUE(SvxStringBeginsWithCString(text("É x"), "\x83", true)); // É in Mac OS Roman
-    EXPECT_TRUE(SvxStringEndsWith(text("cafe\u0301"), text("É"), false));
+    struct Case {
+        std::string text;
+        const char* needle; ///< in Mac OS Roman, where 0x83 is É
+        bool caseSensitive, begins, ends;
+    };
+    for (const Case& c : std::vector<Case>{{"song.mp3", ".MP3", false, false, true},
+                                           {"song.mp3", ".MP3", true, false, false},
+                                           {"x.mp3.mp3", ".MP3", false, false, true},
+                                           {"mp3", ".MP3", false, false, false},
+                                           {"song.mp3\u0301", ".MP3", false, false, false},
+                                           {"日本.mp3", ".MP3", false, false, true},
+                                           {"song.mp3", "", false, false, false},
+                                           {"song.mp3", nullptr, false, false, false},
+                                           {"iTunNORM 000", "iTunNORM", false, true, false},
+                                           {"xiTunNORM", "iTunNORM", false, false, true},
+                                           {"É x", "\x83", true, true, false},
+                                           {"cafe\u0301", "\x83", false, false, true},
+                                           {"e", "\x83", false, false, false}}) {
+        EXPECT_EQ(SvxStringBeginsWithCString(text(c.text), c.needle, c.caseSensitive), c.begins) << c.text;
+        EXPECT_EQ(SvxStringEndsWithCString(text(c.text), c.needle, c.caseSensitive), c.ends) << c.text;
+    }
+    EXPECT_FALSE(SvxStringBeginsWith(text("a"), SvxStringGetEmpty(), false));
     EXPECT_FALSE(SvxStringEndsWith(SvxStringGetEmpty(), text("a"), false));
-    EXPECT_FALSE(SvxStringBeginsWithCString(text("a"), nullptr, false));
-    EXPECT_FALSE(SvxStringEndsWithCString(text("a"), nullptr, false));
 }
 
 /// The quick search rests on a short list of the characters that can stand for ASCII letters: all of Unicode
@@ -193,7 +220,10 @@ TEST(TextValue, ReadsLeadingIntegers) {
                                            {"", 0},
                                            {"\u00A07", 0},
                                            {"٣", 0},
+                                           {"2147483647", 2147483647},
                                            {"2147483648", 2147483647},
+                                           {"-2147483647", -2147483647},
+                                           {"-2147483649", -2147483647 - 1},
                                            {"-99999999999999999999", -2147483647 - 1}}) {
         EXPECT_EQ(SvxStringGetIntValue(text(c.text)), c.expected) << c.text;
     }
@@ -201,36 +231,36 @@ TEST(TextValue, ReadsLeadingIntegers) {
 }
 
 TEST(TextValue, LeavesAsUtf8AndAsUrl) {
-    const auto utf8 = [](const SvxStringRef& value) {
-        std::string bytes(SvxStringGetUTF8Size(value) + 1, '#');
-        std::uint32_t size = 99;
-        SvxStringCopyToUTF8(value, bytes.data(), &size);
-        EXPECT_EQ(size + 1, bytes.size());
-        return bytes;
+    struct Case {
+        SvxStringRef text;
+        std::string utf8, url;
     };
-    EXPECT_EQ(utf8(text("abc")), "abc#"); // no terminator
-    EXPECT_EQ(utf8(text("é€🎵")), "é€🎵#");
-    EXPECT_EQ(utf8(text(bytes("ab\0cd"))), "ab#");
-    EXPECT_EQ(utf8(SvxStringFromUTF16(u"ab\xD800")), "#"); // a lone surrogate has no UTF-8 form
-    EXPECT_EQ(utf8(SvxStringGetEmpty()), "#");
+    const std::string escaped = "$&+;:=?@, %#<>\"{}|\\^[]`\n\x7F";
+    for (const Case& c : std::vector<Case>{
+             {text("azAZ09-_.!~*'()"), "azAZ09-_.!~*'()", "azAZ09-_.!~*'()"},
+             {text("AC/DC é€🎵"), "AC/DC é€🎵", "AC%2FDC%20%C3%A9%E2%82%AC%F0%9F%8E%B5"},
+             {text(escaped), escaped,
+              "%24%26%2B%3B%3A%3D%3F%40%2C%20%25%23%3C%3E%22%7B%7D%7C%5C%5E%5B%5D%60%0A%7F"},
+             {text(bytes("ab\0cd")), "ab", "ab%00cd"},
+             {SvxStringFromUTF16(u"ab\xD800"), "", "ab%EF%BF%BD"}, // a lone surrogate has no UTF-8 form
+             {SvxStringFromUTF16({u"a\0\xDC00", 3}), "", "a%00%EF%BF%BD"}, // nor has one behind the end
+             {SvxStringGetEmpty(), "", ""},
+         }) {
+        std::string copied(SvxStringGetUTF8Size(c.text) + 1, '#');
+        std::uint32_t size = 99;
+        SvxStringCopyToUTF8(c.text, copied.data(), &size);
+        EXPECT_EQ(copied, c.utf8 + "#"); // no terminator
+        EXPECT_EQ(size, c.utf8.size());
+        EXPECT_EQ(plain(SvxStringConvertToURL(c.text)), c.url);
+    }
     EXPECT_EQ(utf8SizeIn32Bits(0xFFFFFFFF), 0xFFFFFFFF);
     EXPECT_EQ(utf8SizeIn32Bits(0x100000002), 0); // nothing may be copied to where two bytes have room
-
-    EXPECT_EQ(plain(SvxStringConvertToURL(text("AC/DC & Friends"))), "AC%2FDC%20%26%20Friends");
-    EXPECT_EQ(plain(SvxStringConvertToURL(text("Motörhead"))), "Mot%C3%B6rhead");
-    EXPECT_EQ(plain(SvxStringConvertToURL(text("aZ09-_.!~*'()"))), "aZ09-_.!~*'()");
-    EXPECT_EQ(plain(SvxStringConvertToURL(text("$&+;:=?@, %#<>\"{}|\\^[]`\n\x7F"))),
-              "%24%26%2B%3B%3A%3D%3F%40%2C%20%25%23%3C%3E%22%7B%7D%7C%5C%5E%5B%5D%60%0A%7F");
-    EXPECT_EQ(plain(SvxStringConvertToURL(SvxStringGetEmpty())), "");
 }
 
 TEST(TextValue, MakesNewTexts) {
     EXPECT_EQ(plain(SvxStringCreateWithFormat("%i of %li, %@%% %x", {3, 12, text("日")})),
               "3 of 12, 日%% %x");
     EXPECT_EQ(plain(SvxStringCreateWithFormat("<%@>", {SvxStringGetEmpty()})), "<>");
-    EXPECT_EQ(plain(SvxStringCreateWithSubstring(text("aé日"), 1, 2)), "é日");
-    EXPECT_FALSE(SvxStringCreateWithSubstring(text("abc"), 2, 2));
-    EXPECT_FALSE(SvxStringCreateWithSubstring(text("abc"), -1, 1));
 
     SvxStringRef joined = text("a");
     const SvxStringRef shared = joined;
