@@ -259,7 +259,7 @@ SvxStringRef SvxStringFromUTF16(std::u16string_view units) noexcept {
 
 SvxStringRef SvxStringCreateWithSubstring(const SvxStringRef& text, SvxIndex start,
                                           SvxIndex length) noexcept {
-    if (!text || start < 0 || length < 0 || start > text->length() || length > text->length() - start) {
+    if (!text || start < 0 || length < 0 || length > text->length() - start) {
         return nullptr;
     }
     return text->visit([&](auto units) {
