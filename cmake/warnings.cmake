@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-option(SONARIN_WERROR "Treat warnings as errors" OFF)
+# As it was first chosen in a build folder: changing it compiles everything anew.
+option(SONARIN_WERROR "Treat warnings as errors" $ENV{CI})
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor
                     -Wold-style-cast -Woverloaded-virtual -Wimplicit-fallthrough)

@@ -10,19 +10,17 @@ namespace sonarin {
 
 namespace {
 
-using State = Connector::State;
-
 QString title(const Connector& connector) {
     const QString name = QString::fromStdString(connector.name);
     switch (connector.state) {
-    case State::lacksPackages: {
+    case Connector::State::lacksPackages: {
         QStringList packages;
         for (const std::string& package : connector.missing) {
             packages.append(QString::fromStdString(package));
         }
         return QStringLiteral("%1 (first needs %2)").arg(name, packages.join(QStringLiteral(", ")));
     }
-    case State::connectedForAll:
+    case Connector::State::connectedForAll:
         return QStringLiteral("%1 (for all users)").arg(name);
     default:
         return connector.isMenuOnly ? QStringLiteral("%1 (a menu entry: it cannot be followed)").arg(name)
@@ -31,11 +29,12 @@ QString title(const Connector& connector) {
 }
 
 bool isConnected(const Connector& connector) {
-    return connector.state == State::connected || connector.state == State::connectedForAll;
+    return connector.state == Connector::State::connected ||
+           connector.state == Connector::State::connectedForAll;
 }
 
 bool canBeChanged(const Connector& connector) {
-    return connector.state == State::available || connector.state == State::connected;
+    return connector.state == Connector::State::available || connector.state == Connector::State::connected;
 }
 
 } // namespace

@@ -12,8 +12,8 @@ namespace sonarin {
 
 namespace {
 
-constexpr qint64 deadline = 100;  // milliseconds, for an answer that counts
-constexpr qint64 patience = 2000; // milliseconds, until another program is followed
+constexpr qint64 deadline = 100;          // milliseconds, for an answer that counts
+constexpr qint64 followerPatience = 2000; // milliseconds, until another program is followed
 
 QDBusMessage busQuestion(const QString& method) {
     return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
@@ -120,7 +120,7 @@ void PropertyPoll::forgetOverdueAnswers() {
         if (!program.isAsked || program.asked.elapsed() <= deadline) {
             continue;
         }
-        const bool isForgotten = program.hasAnswered && program.asked.elapsed() > patience;
+        const bool isForgotten = program.hasAnswered && program.asked.elapsed() > followerPatience;
         isAnyOther = isAnyOther || program.answer.isCurrent || isForgotten || program.isNew;
         program.answer.isCurrent = false;
         program.isNew = false;
