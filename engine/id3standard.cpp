@@ -39,7 +39,7 @@ struct TagHeader {
 };
 
 /// Nothing where there is no tag, whose header begins with "ID3" and whose footer with "3DI".
-std::optional<TagHeader> decodeTagHeader(ByteView bytes, std::uint32_t paddedMark = fourCC("ID3 ")) {
+std::optional<TagHeader> decodeTagHeader(ByteView bytes, std::uint32_t paddedMark) {
     constexpr std::uint8_t highestVersion = 0xFE;
     const ByteView size = bytes.subspan(6, 4);
     if (bigEndian24(bytes) != (paddedMark >> 8U) || bytes[3] > highestVersion || bytes[4] > highestVersion ||
@@ -383,7 +383,7 @@ std::uint64_t id3ReadTag(audioTags* record, std::uint64_t position, std::uint64_
         rcReadFromCache(cache, position, bytes.size(), bytes.data()) != fileNoErr) {
         return position;
     }
-    const std::optional<TagHeader> header = decodeTagHeader(bytes);
+    const std::optional<TagHeader> header = decodeTagHeader(bytes, fourCC("ID3 "));
     if (!header) {
         return position;
     }
