@@ -12,7 +12,7 @@ namespace sonarin {
 /// there, since the same one may be written in several ways.
 struct TagTexts {
     std::array<SvxStringRef, 7> texts;
-    std::array<bool, 3> isThere;
+    std::array<bool, 3> isThere = {};
 };
 [[nodiscard]] TagTexts textsIn(const audioTags& record) noexcept;
 

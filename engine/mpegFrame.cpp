@@ -64,7 +64,9 @@ SONARIN_ALSO_FOR_AVX2 std::size_t headerlessRun(const std::uint8_t* bytes, std::
         std::uint8_t any = 0;
         for (std::size_t i = run; i < run + searchBlock; ++i) {
             const auto second = static_cast<std::uint8_t>(bytes[i + 1] - 0xE2);
-            any |= static_cast<std::uint8_t>((bytes[i] == 0xFF) & (second <= 0xFD - 0xE2));
+            const auto begins = static_cast<std::uint8_t>(bytes[i] == 0xFF ? 1 : 0);
+            const auto goesOn = static_cast<std::uint8_t>(second <= 0xFD - 0xE2 ? 1 : 0);
+            any = static_cast<std::uint8_t>(any | (begins & goesOn));
         }
         if (any != 0) {
             break;
