@@ -47,10 +47,8 @@ int SpillFile::copyTo(OutputBuffer& out, Place place) const {
     std::array<char, 65536> piece; // NOLINT(*-member-init): set before it is read
     while (place.size > 0) {
         const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(place.size, piece.size()));
-        const ssize_t got = pread(file_.get(), piece.data(), wanted, static_cast<off_t>(place.position));
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
+        const ssize_t got = uninterrupted(
+            [&] { return pread(file_.get(), piece.data(), wanted, static_cast<off_t>(place.position)); });
         if (got <= 0) {
             return got < 0 ? errno : EIO;
         }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/imageResolution.h"
 
+#include "platform/host/bytes.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -10,28 +12,10 @@ namespace sonarin {
 
 namespace {
 
-using Bytes = std::span<const std::uint8_t>;
-
 constexpr double inchesPerMetre = 1 / 0.0254;
 
-std::uint32_t bigEndian(Bytes bytes, std::size_t offset, std::size_t size) {
-    std::uint32_t value = 0;
-    for (const std::uint8_t byte : bytes.subspan(offset, size)) {
-        value = (value << 8U) | byte;
-    }
-    return value;
-}
-
-std::uint32_t littleEndian32(Bytes bytes, std::size_t offset) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 4; i-- > 0;) {
-        value = (value << 8U) | bytes[offset + i];
-    }
-    return value;
-}
-
 template <std::size_t Size>
-bool beginsWith(Bytes bytes, const std::array<std::uint8_t, Size>& start) {
+bool beginsWith(ByteView bytes, const std::array<std::uint8_t, Size>& start) {
     return bytes.size() >= Size && std::equal(start.begin(), start.end(), bytes.begin());
 }
 
@@ -43,17 +27,17 @@ double fromDotsPerMetre(std::uint32_t dots) {
 }
 
 /// PNG, section 11.3.5.3: pHYs stands before the image data; unit 1 is the metre.
-ImageResolution ofPng(Bytes bytes) {
-    constexpr std::uint32_t physChunk = 0x70485973;
-    constexpr std::uint32_t dataChunk = 0x49444154;
+ImageResolution ofPng(ByteView bytes) {
+    constexpr std::uint32_t physChunk = fourCC("pHYs");
+    constexpr std::uint32_t dataChunk = fourCC("IDAT");
     constexpr std::size_t wholePhys = 8 + 9;
     std::size_t position = 8;
     while (bytes.size() - position >= wholePhys) {
-        const std::uint32_t size = bigEndian(bytes, position, 4);
-        const std::uint32_t type = bigEndian(bytes, position + 4, 4);
+        const std::uint32_t size = bigEndian32(bytes, position);
+        const std::uint32_t type = bigEndian32(bytes, position + 4);
         if (type == physChunk && bytes[position + 16] == 1) {
-            return {fromDotsPerMetre(bigEndian(bytes, position + 8, 4)),
-                    fromDotsPerMetre(bigEndian(bytes, position + 12, 4))};
+            return {fromDotsPerMetre(bigEndian32(bytes, position + 8)),
+                    fromDotsPerMetre(bigEndian32(bytes, position + 12))};
         }
         if (type == dataChunk || type == physChunk || size > bytes.size() - position - wholePhys) {
             break;
@@ -65,18 +49,18 @@ ImageResolution ofPng(Bytes bytes) {
 
 /// JFIF 1.02: the APP0 segment stands right behind the start of the image; unit 1 is the inch, 2 the
 /// centimetre.
-ImageResolution ofJpeg(Bytes bytes) {
+ImageResolution ofJpeg(ByteView bytes) {
     constexpr std::array<std::uint8_t, 4> app0 = {0xFF, 0xD8, 0xFF, 0xE0};
     constexpr std::array<std::uint8_t, 5> jfif = {'J', 'F', 'I', 'F', 0};
     if (bytes.size() < 18 || !beginsWith(bytes, app0) || !beginsWith(bytes.subspan(6), jfif)) {
         return {};
     }
     const double unit = bytes[13] == 1 ? 1.0 : bytes[13] == 2 ? 2.54 : 0.0;
-    return {bigEndian(bytes, 14, 2) * unit, bigEndian(bytes, 16, 2) * unit};
+    return {bigEndian16(bytes, 14) * unit, bigEndian16(bytes, 16) * unit};
 }
 
 /// BITMAPINFOHEADER: dots per metre at offset 24 of a header that begins behind 14 bytes.
-ImageResolution ofBmp(Bytes bytes) {
+ImageResolution ofBmp(ByteView bytes) {
     constexpr std::uint32_t headerSize = 40;
     if (bytes.size() < 14 + headerSize || littleEndian32(bytes, 14) < headerSize) {
         return {};
@@ -86,7 +70,7 @@ ImageResolution ofBmp(Bytes bytes) {
 
 } // namespace
 
-ImageResolution recordedResolution(Bytes bytes) noexcept {
+ImageResolution recordedResolution(ByteView bytes) noexcept {
     constexpr std::array<std::uint8_t, 8> png = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
     constexpr std::array<std::uint8_t, 2> jpeg = {0xFF, 0xD8};
     constexpr std::array<std::uint8_t, 2> bmp = {'B', 'M'};
