@@ -5,10 +5,11 @@ grows. Each program has a desktop and a Sonarin of its own; one file stays selec
     tests/desktop/run-tests BUILD follow_cost.py [SECONDS [PROGRAM...]]"""
 
 import os
+import shutil
 import sys
 import time
 
-from desktop import Desktop, missing, song, wait_until
+from desktop import Desktop, song, wait_until
 
 FILE_MANAGERS = {
     "nautilus": ("nautilus", "-w"),
@@ -48,8 +49,7 @@ class Following:
         settings = self.desktop.home / ".config/quodlibet"
         settings.mkdir(parents=True)
         (settings / "config").write_text(f"[settings]\nscan = {music}\n")
-        self.desktop.output("sonarin-connect", program)
-        self.desktop.environment.update(self.desktop.connected_environment())
+        self.desktop.connect(program)
         self.desktop.start_sonarin(kind=6 if program in PLAYERS else 5)
         command = PLAYERS[program] if program in PLAYERS else (*FILE_MANAGERS[program], music)
         self.host = self.desktop.spawn(*command)
@@ -70,7 +70,7 @@ class Following:
 
 def main():
     seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 60
-    wanted = sys.argv[2:] or [program for program in (*FILE_MANAGERS, *PLAYERS) if not missing(program)]
+    wanted = sys.argv[2:] or [program for program in (*FILE_MANAGERS, *PLAYERS) if shutil.which(program)]
     running = [Following(program) for program in wanted]
     time.sleep(20)  # what programs do at their start is not meant
     before = [each.sample() for each in running]
