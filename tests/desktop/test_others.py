@@ -9,8 +9,6 @@ import time
 
 from desktop import PREFIX, SAMPLES, DesktopTest, song
 
-ENTRY = PREFIX / "share/applications/org.sonarin.Sonarin.desktop"
-
 
 class Installed(DesktopTest):
     """Through its entry and the bus, where no Sonarin runs yet."""
@@ -39,7 +37,8 @@ class Installed(DesktopTest):
     def test_opens_where_none_runs(self):
         self.desktop.output("gapplication", "launch", "org.sonarin.Sonarin", self.music / "sample.m4a")
         self.assert_shown("sample.m4a")
-        self.desktop.output("gio", "launch", ENTRY, song(self.music / "a #1.mp3"))
+        entry = PREFIX / "share/applications/org.sonarin.Sonarin.desktop"
+        self.desktop.output("gio", "launch", entry, song(self.music / "a #1.mp3"))
         self.assert_shown("a #1.mp3")
 
     def test_shows_what_is_on_the_clipboard(self):
