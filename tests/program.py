@@ -1,15 +1,19 @@
 # SPDX-License-Identifier: MIT
-"""What the tests of sonarin-info share: the program as a user runs it, and files made by real encoders."""
+"""What the tests of the terminal programs share: the program as a user runs it, and files to run it on."""
 
 import json
 import os
 import pathlib
+import pty
+import select
 import subprocess
 import tempfile
 import unittest
 
 INFO = os.environ["SONARIN_INFO"]
 SAMPLES = pathlib.Path(os.environ["SAMPLES"])
+SAMPLE = SAMPLES / "sample.mp3"
+SOUND = b"\xff\xfb\x90\0" + bytes(400)  # one frame, as MPEG audio begins
 
 
 def run(*arguments, locale="C", **options):
@@ -17,11 +21,26 @@ def run(*arguments, locale="C", **options):
     return subprocess.run([INFO, *arguments], capture_output=True, env=environment, timeout=60, **options)
 
 
-def read_json(*paths, locale="C"):
+def read_json(*arguments, **options):
     """One object per path, whatever became of it."""
-    lines = run("--json", *paths, locale=locale).stdout.split(b"\n")
-    assert lines.pop() == b""
-    return [json.loads(line) for line in lines]
+    return [json.loads(line) for line in run("--json", *arguments, **options).stdout.splitlines()]
+
+
+def synchsafe(number, bits=7):
+    """Four bytes of so many bits each; with 8, a plain number."""
+    return bytes(number >> bits * place & (1 << bits) - 1 for place in (3, 2, 1, 0))
+
+
+def chunk(name, content):
+    return name + synchsafe(len(content), 8) + content
+
+
+def frame(name, content, flags=0, bits=8):
+    return name + synchsafe(len(content), bits) + flags.to_bytes(2, "big") + content
+
+
+def id3_tag(content, version=3, flags=0):
+    return b"ID3" + bytes((version, 0, flags)) + synchsafe(len(content)) + content
 
 
 class Folder(unittest.TestCase):
@@ -30,9 +49,16 @@ class Folder(unittest.TestCase):
         self.addCleanup(scratch.cleanup)
         self.folder = pathlib.Path(scratch.name)
 
-    def write(self, name, content):
+    def write(self, name, content=b""):
         path = self.folder / name
+        path.parent.mkdir(parents=True, exist_ok=True)
         path.write_bytes(content)
+        return path
+
+    def made(self, name, *command):
+        """A file that a command makes, or changes; it is given the path as its last argument."""
+        path = self.folder / name
+        subprocess.run([*command, path], check=True, capture_output=True)
         return path
 
     def sound(self, seconds=3, rate=44100, channels=2):
@@ -41,11 +67,22 @@ class Folder(unittest.TestCase):
                         "synth", str(seconds), "sine", "440", "gain", "-6"], check=True)
         return path
 
-    def made(self, name, *command):
-        """A file that a command makes; it is given the path as its last argument."""
-        path = self.folder / name
-        subprocess.run([*command, path], check=True, capture_output=True)
-        return path
-
     def encoded(self, name, *command, **sound):
         return self.made(name, *command, self.sound(**sound))
+
+    def terminal(self):
+        """A terminal to write to, and what tells what has come to it."""
+        try:
+            screen, end = pty.openpty()
+        except OSError as missing:
+            self.skipTest(str(missing))
+        for descriptor in (screen, end):
+            self.addCleanup(os.close, descriptor)
+        return end, lambda: os.read(screen, 4096) if select.select([screen], [], [], 5)[0] else b""
+
+    def expect(self, path, /, *options, locale="C", **facts):
+        """Compares these of the record's facts and the panel's texts; answers them all."""
+        [found] = read_json(*options, path, locale=locale)
+        found |= found.pop("record") | found.pop("panel")
+        self.assertEqual({name: found[name] for name in facts}, facts)
+        return found
