@@ -30,7 +30,8 @@ class RealFiles(Folder):
         path = self.write("x.mp3", SOUND)
         cover = b"\xff\xd8\xff\xe0" + bytes(50000)
         tag = id3.ID3()
-        for field in (id3.TIT2(1, "Größe 日本"), id3.TPE1(0, "Ann"), id3.TALB(0, "Café"),  # Latin-1 beyond ASCII is not taken
+        for field in (id3.TIT2(1, "Größe 日本"), id3.TPE1(0, "Ann"),
+                      id3.TALB(0, "Café"),  # Latin-1 beyond ASCII is not taken
                       id3.TRCK(0, "3/12"), id3.TYER(0, "1999"), id3.TCON(0, "(17)"), id3.USLT(0, "eng", "", "la\nla"),
                       id3.COMM(0, "eng", "iTunNORM", " 0000"), id3.COMM(0, "eng", "", "a comment"),
                       id3.APIC(0, "image/jpeg", 3, "", cover)):
@@ -44,8 +45,8 @@ class RealFiles(Folder):
         self.assertEqual(run("--cover", "-", path).stdout[:-1], cover)
 
     def test_the_sample_in_another_locale(self):
-        for locale, rate, genre in (("de_DE.UTF-8", "128 kbps  44,1 kHz", "Klassik"), ("POSIX", "128 kbps  44.1 kHz", "Classical")):
-            self.expect(SAMPLE, locale=locale, id3BitrateEtcField=rate, id3GenreField=genre)
+        for locale, rate, genre in (("de_DE.UTF-8", "44,1", "Klassik"), ("POSIX", "44.1", "Classical")):
+            self.expect(SAMPLE, locale=locale, id3BitrateEtcField=f"128 kbps  {rate} kHz", id3GenreField=genre)
 
 
 class Output(Folder):
@@ -93,6 +94,7 @@ class Output(Folder):
     def test_covers(self):
         cover = run("--cover", "-", SAMPLE).stdout
         self.assertTrue(cover.startswith(b"\x89PNG"))
+        self.write("plain.mp3", SOUND)
         audio = self.write("audio.mp3", SAMPLE.read_bytes())
         (self.folder / "link.png").symlink_to(audio)
         mine = b"mine" * 10000
@@ -100,10 +102,11 @@ class Output(Folder):
                 ("new.png", None, [SAMPLE], "", cover),
                 ("kept.png", mine, [SAMPLE], f"{SAMPLE}: kept.png: File exists (--force replaces it)", mine),
                 ("replaced.png", mine, ["--force", SAMPLE], "", cover),
-                ("none.png", None, [self.write("plain.mp3", SOUND)], f"{self.folder}/plain.mp3: The file holds no cover picture", None),
+                ("none.png", None, ["plain.mp3"], "plain.mp3: The file holds no cover picture", None),
                 # The audio file is never written, under whatever name it is met.
-                *[(name, audio.read_bytes(), ["--force", "audio.mp3"], "audio.mp3: The cover would replace the audio file itself",
-                   audio.read_bytes()) for name in ("audio.mp3", "link.png")]):
+                *[(name, audio.read_bytes(), ["--force", "audio.mp3"],
+                   "audio.mp3: The cover would replace the audio file itself", audio.read_bytes())
+                  for name in ("audio.mp3", "link.png")]):
             with self.subTest(target=target):
                 path = self.write(target, before) if before else self.folder / target
                 done = run("--cover", target, *arguments, cwd=self.folder)
@@ -120,16 +123,17 @@ class Output(Folder):
                 "--files0-from needs a value": ("--files0-from",),
                 "--force goes with --cover": ("--force sample.mp3",),
                 "--json and --cover do not go together": ("--json --cover x sample.mp3",),
-                "--cover takes one file": ("--cover x sample.mp3 sample.mp3", "--cover - -r sample.mp3", "--cover - --files0-from -"),
+                "--cover takes one file": ("--cover x sample.mp3 sample.mp3", "--cover x -r sample.mp3",
+                                           "--cover - --files0-from -"),
                 "--files0-from takes no files besides": ("--files0-from - sample.mp3",),
-                "--jobs takes a number from 1 to 1024": ("--jobs 0 sample.mp3", "--jobs two sample.mp3", "--jobs 2000 sample.mp3"),
+                "--jobs takes a number from 1 to 1024": ("--jobs 0 sample.mp3", "--jobs 2x sample.mp3", "--jobs 2000 sample.mp3"),
         }.items():
             for call in calls:
                 done = run(*call.split(), stdin=subprocess.DEVNULL, cwd=SAMPLES)
                 self.assertEqual((done.returncode, done.stdout, done.stderr.decode()),
                                  (2, b"", f"sonarin-info: {problem} (--help shows the usage)\n"), call)
         self.write("-x.mp3", SOUND)
-        for call, start in (("--help", b"Usage: sonarin-info "), ("--version", b"sonarin-info 0."), ("-- -x.mp3", b"Name      -x.mp3\n")):
+        for call, start in (("--help", b"Usage: sonarin"), ("--version", b"sonarin-info 0."), ("-- -x.mp3", b"Name      -x")):
             done = run(*call.split(), cwd=self.folder)
             self.assertEqual((done.returncode, done.stdout[:len(start)]), (0, start))
 
@@ -138,29 +142,25 @@ class HostileFiles(Folder):
     """Sizes that lie must cost neither memory nor time."""
 
     def test_memory_and_exit_status(self):
-        def bombs():
-            deflate = zlib.compressobj(9)
-            bomb = b"\x20\0\0\0" + b"".join(deflate.compress(bytes(1 << 20)) for _ in range(64)) + deflate.flush()
-            return frame(b"APIC", bomb, 9, bits=7) * 40
-
+        deflate = zlib.compressobj(9)
+        bomb = b"\x20\0\0\0" + b"".join(deflate.compress(bytes(1 << 20)) for _ in range(64)) + deflate.flush()
         lie = b"\xff\xff\xff\xfa\0\0\0" + bytes(200)
         form = b"RIFF\xff\xff\xff\xffWAVE"
         sound_format = b"fmt \x10\0\0\0\1\0\1\0\x44\xac\0\0\x44\xac\0\0\1\0\x08\0"
-        rows = [  # what stands one behind the other, with the places to go to in between
-            *[(name, 60, 1, [b"ID3\3\0\0\x7f\x7f\x7f\x7f" + name.encode() + lie]) for name in ("USLT", "APIC", "TIT2")],
-            ("beyond four gibibytes", 60, 0, [SAMPLE.read_bytes(), (5 << 30) + 123]),
-            # Holes larger than any disk.
-            ("sound behind", 60, 0, [id3_tag(b""), 1 << 42, SOUND]), ("nothing behind", 60, 1, [id3_tag(b""), 1 << 42]),
-            ("format behind.wav", 60, 0, [form, (1 << 42) + 4, sound_format]),
-            # Tags that are larger by their standards.
-            ("bombs", 160, 0, [id3_tag(bombs(), 4), SOUND]),
-            ("values", 60, 0, [id3_tag(frame(b"TIT2", b"\0" + b"a\0" * 1000000, bits=7), 4), SOUND]),
-            ("genres", 60, 0, [id3_tag(frame(b"TCON", b"\0" + b"(1)\0" * 1000000, bits=7), 4), SOUND]),
-            ("unsynchronised", 60, 0, [id3_tag(b"TIT2\0\x10\0\0\0\0\0" + b"\xff\0" * (1 << 20), 3, 0x80), SOUND]),
-            ("comments", 60, 0, [id3_tag(frame(b"COMM", b"\0engd\0text") * 200000, 4), SOUND]),
-            ("joined", 60, 0, [id3_tag(frame(b"TPE1", b"\0ab") * 200000), SOUND])]
-        for name, megabytes, status, parts in rows:
-            with self.subTest(name=name), open(self.folder / (name if "." in name else f"{name}.mp3"), "wb") as file:
+        for name, status, *parts in (  # what stands one behind the other, and the places to go to in between
+                *[(f"{name}.mp3", 1, b"ID3\3\0\0\x7f\x7f\x7f\x7f" + name.encode() + lie) for name in ("USLT", "APIC", "TIT2")],
+                ("beyond four gibibytes.mp3", 0, SAMPLE.read_bytes(), (5 << 30) + 123),
+                # Holes larger than any disk.
+                ("sound behind.mp3", 0, id3_tag(b""), 1 << 42, SOUND), ("nothing behind.mp3", 1, id3_tag(b""), 1 << 42),
+                ("format behind.wav", 0, form, (1 << 42) + 4, sound_format),
+                # Tags that are larger by their standards.
+                ("bombs.mp3", 0, id3_tag(frame(b"APIC", bomb, 9, bits=7) * 40, 4), SOUND),
+                ("values.mp3", 0, id3_tag(frame(b"TIT2", b"\0" + b"a\0" * 1000000, bits=7), 4), SOUND),
+                ("genres.mp3", 0, id3_tag(frame(b"TCON", b"\0" + b"(1)\0" * 1000000, bits=7), 4), SOUND),
+                ("unsynchronised.mp3", 0, id3_tag(b"TIT2\0\x10\0\0\0\0\0" + b"\xff\0" * (1 << 20), 3, 0x80), SOUND),
+                ("comments.mp3", 0, id3_tag(frame(b"COMM", b"\0engd\0text") * 200000, 4), SOUND),
+                ("joined.mp3", 0, id3_tag(frame(b"TPE1", b"\0ab") * 200000), SOUND)):
+            with self.subTest(name=name), open(self.folder / name, "wb") as file:
                 for part in parts:
                     file.write(part) if isinstance(part, bytes) else file.seek(part)
                 file.truncate()
@@ -170,9 +170,9 @@ class HostileFiles(Folder):
                     _, ended, usage = os.wait4(process.pid, 0)
                     process.returncode = os.waitstatus_to_exitcode(ended)
                     self.assertEqual(process.returncode, status)
-                    # The sanitizers' own shadow does not count as the program's memory.
+                    # The sanitizers' own shadow does not count as the program's memory; what is here when it starts does.
                     if os.environ.get("SONARIN_SANITIZED") != "ON":
-                        self.assertLess(usage.ru_maxrss, megabytes * 1024)
+                        self.assertLess(usage.ru_maxrss, 60 * 1024)
         self.assertEqual(len(self.expect(file.name)["mp3ArtistString"]), 200000 * 3 - 1)
 
     def test_tags_that_share_their_pictures(self):
