@@ -1,60 +1,43 @@
 # SPDX-License-Identifier: MIT
 """sonarin-connect as a user calls it; the connectors themselves are met by the programs that they are for."""
 
-import os
 import pathlib
 import subprocess
-import tempfile
-import unittest
 
-CONNECT = pathlib.Path(os.environ["SONARIN_INFO"]).parent / "sonarin-connect"
+from program import INFO, Folder
+
+CONNECT = pathlib.Path(INFO).with_name("sonarin-connect")
 
 
-class Connect(unittest.TestCase):
-    def setUp(self):
-        scratch = tempfile.TemporaryDirectory()
-        self.addCleanup(scratch.cleanup)
-        self.home = pathlib.Path(scratch.name)
-        (self.home / "bin").mkdir()
-        player = self.home / "bin" / "quodlibet"
-        player.write_text("#!/bin/sh\n")
-        player.chmod(0o755)
-
-    def call(self, *words, **environment):
-        return subprocess.run([CONNECT, *words], capture_output=True, text=True, check=False, timeout=60,
-                              env={"PATH": str(self.home / "bin"), "HOME": str(self.home), **environment})
-
-    def files(self):
-        return sorted(path.name for path in self.home.rglob("*") if path.is_file() and path.parent.name != "bin")
+class Connect(Folder):
+    def calls(self, *rows):
+        """Each row is a call, its exit status, what is said (where it belongs), and the files that are there afterwards."""
+        self.write("bin/quodlibet", b"#!/bin/sh\n").chmod(0o755)
+        for words, status, said, files in rows:
+            with self.subTest(words=words):
+                done = subprocess.run([CONNECT, *words.split()], capture_output=True, text=True, timeout=60,
+                                      env={"PATH": f"{self.folder}/bin", "HOME": str(self.folder)})
+                self.assertEqual((done.returncode, done.stdout, done.stderr.partition("Usage: ")[0]),
+                                 (status, "", f"sonarin-connect: {said}") if status else (0, said, ""))
+                self.assertCountEqual([path.name for path in self.folder.rglob("*") if path.is_file()], ["quodlibet", *files])
 
     def test_adds_lists_and_removes(self):
-        self.assertIn("not connected", self.call().stdout)
-        self.assertEqual(self.call("quodlibet").returncode, 0)
-        self.assertEqual(self.files(), ["__init__.py", "sonarin_selection.py"])
-        self.assertNotIn("not connected", self.call().stdout)
-        done = self.call("--remove", "--all")
-        self.assertEqual((done.returncode, self.files()), (0, []))
-        self.assertIn("Quod Libet is no longer connected.", done.stdout)
-        older = self.home / ".quodlibet"
-        older.mkdir()
-        (self.home / ".config/quodlibet/plugins").rmdir()
-        (self.home / ".config/quodlibet").rmdir()
-        self.call("quodlibet")  # a newer folder would hide the user's library
-        self.assertTrue((older / "plugins/sonarin/__init__.py").exists())
+        plugin = ["__init__.py", "sonarin_selection.py"]
+        self.calls(("", 0, "quodlibet     Quod Libet    not connected\n", []),
+                   ("quodlibet", 0, "Quod Libet is connected. Start it anew.\n", plugin),
+                   ("", 0, "quodlibet     Quod Libet    connected\n", plugin),
+                   ("--remove --all", 0, "Quod Libet is no longer connected. Start it anew.\n", []))
+
+    def test_keeps_to_the_older_folder(self):
+        (self.folder / ".quodlibet").mkdir()
+        self.calls(("quodlibet", 0, "Quod Libet is connected. Start it anew.\n", ["__init__.py", "sonarin_selection.py"]))
+        # A newer one would hide the user's library.
+        self.assertTrue((self.folder / ".quodlibet/plugins/sonarin/__init__.py").exists())
 
     def test_says_what_cannot_be_done(self):
-        for words, status, said in [(["--everything"], 2, "unknown option --everything"), (["--remove"], 2, "needs a program"),
-                                    (["nautilus"], 1, "nautilus: not installed here"), (["no/such"], 1, "no/such: not")]:
-            with self.subTest(words=words):
-                done = self.call(*words)
-                self.assertEqual((done.returncode, done.stdout), (status, ""))
-                self.assertIn(said, done.stderr)
-        (self.home / ".config").touch()
-        done = self.call("quodlibet", "thunar")
-        self.assertEqual(done.returncode, 1)
-        self.assertIn("Quod Libet: Not a directory", done.stderr)
-        self.assertEqual(self.files(), [".config"])
-
-
-if __name__ == "__main__":
-    unittest.main()
+        self.write(".config")
+        missing = "not installed here, or not known\n"
+        self.calls(("--everything", 2, "unknown option --everything\n", [".config"]),
+                   ("--remove", 2, "--remove needs a program, or --all\n", [".config"]),
+                   ("nautilus", 1, f"nautilus: {missing}", [".config"]), ("no/such", 1, f"no/such: {missing}", [".config"]),
+                   ("quodlibet thunar", 1, f"thunar: {missing}sonarin-connect: Quod Libet: Not a directory\n", [".config"]))
