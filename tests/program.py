@@ -63,12 +63,9 @@ class Folder(unittest.TestCase):
 
     def sound(self, seconds=3, rate=44100, channels=2):
         path = self.folder / "sound.wav"
-        subprocess.run(["sox", "-n", "-r", str(rate), "-c", str(channels), "-b", "16", path,
+        subprocess.run(["sox", "-R", "-n", "-r", str(rate), "-c", str(channels), "-b", "16", path,
                         "synth", str(seconds), "sine", "440", "gain", "-6"], check=True)
         return path
-
-    def encoded(self, name, *command, **sound):
-        return self.made(name, *command, self.sound(**sound))
 
     def terminal(self):
         """A terminal to write to, and what tells what has come to it."""
