@@ -68,14 +68,22 @@ class Folder(unittest.TestCase):
         return path
 
     def terminal(self):
-        """A terminal to write to, and what tells what has come to it."""
+        """A terminal for a program, and what types keys there and answers what is shown until it is still again."""
         try:
-            screen, end = pty.openpty()
+            screen, terminal = pty.openpty()
         except OSError as missing:
             self.skipTest(str(missing))
-        for descriptor in (screen, end):
+
+        def type_keys(keys="", awaited=""):
+            os.write(screen, keys.encode())
+            shown = b""
+            while select.select([screen], [], [], 1 if awaited.encode() in shown else 20)[0]:
+                shown += os.read(screen, 4096)
+            return shown.decode(errors="replace")
+
+        for descriptor in (screen, terminal):
             self.addCleanup(os.close, descriptor)
-        return end, lambda: os.read(screen, 4096) if select.select([screen], [], [], 5)[0] else b""
+        return terminal, type_keys
 
     def expect(self, path, /, *options, locale="C", **facts):
         """Compares these of the record's facts and the panel's texts; answers them all."""

@@ -54,7 +54,7 @@ class Output(Folder):
         self.assertNotIn(b"\x1b", run(SAMPLE).stdout)
         terminal, shown = self.terminal()
         subprocess.run([INFO, SAMPLE], stdout=terminal, env=dict(os.environ, TERM="xterm"), check=True)
-        self.assertIn(b"\x1b[", shown())
+        self.assertIn("\x1b[", shown())
 
     def test_failures_are_told_and_the_rest_goes_on(self):
         (self.folder / "folder.mp3").mkdir()

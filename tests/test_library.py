@@ -160,4 +160,4 @@ class Endings(Folder):
         time.sleep(1.5)
         process.stdin.close()
         self.assertEqual(process.wait(10), 0)
-        self.assertRegex(shown(), rb"^(\r\x1b\[K)?3 files, [0-3] a second[^\n]*\r\x1b\[K$")
+        self.assertRegex(shown(), r"^(\r\x1b\[K)?3 files, [0-3] a second[^\n]*\r\x1b\[K$")
