@@ -17,13 +17,14 @@ SOUND = b"\xff\xfb\x90\0" + bytes(400)  # one frame, as MPEG audio begins
 
 
 def run(*arguments, locale="C", **options):
+    """The exit status, what was printed, and the complaints."""
     environment = dict(os.environ, LC_ALL=locale, TERM="xterm")
-    return subprocess.run([INFO, *arguments], capture_output=True, env=environment, timeout=60, **options)
+    done = subprocess.run([INFO, *arguments], capture_output=True, env=environment, timeout=60, **options)
+    return done.returncode, done.stdout, done.stderr.decode()
 
 
-def read_json(*arguments, **options):
-    """One object per path, whatever became of it."""
-    return [json.loads(line) for line in run("--json", *arguments, **options).stdout.splitlines()]
+def complaints(*causes):
+    return "".join(f"sonarin-info: {cause}\n" for cause in causes)
 
 
 def synchsafe(number, bits=7):
@@ -45,11 +46,9 @@ def id3_tag(content, version=3, flags=0):
 
 class Folder(unittest.TestCase):
     def setUp(self):
-        scratch = tempfile.TemporaryDirectory()
-        self.addCleanup(scratch.cleanup)
-        self.folder = pathlib.Path(scratch.name)
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
 
-    def write(self, name, content=b""):
+    def write(self, name, content=SOUND):
         path = self.folder / name
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_bytes(content)
@@ -87,7 +86,8 @@ class Folder(unittest.TestCase):
 
     def expect(self, path, /, *options, locale="C", **facts):
         """Compares these of the record's facts and the panel's texts; answers them all."""
-        [found] = read_json(*options, path, locale=locale)
-        found |= found.pop("record") | found.pop("panel")
-        self.assertEqual({name: found[name] for name in facts}, facts)
+        with self.subTest(path=path.name, options=options, locale=locale):
+            found = json.loads(run("--json", *options, path, locale=locale)[1])
+            found |= found.pop("record") | found.pop("panel")
+            self.assertEqual({name: found[name] for name in facts}, facts)
         return found

@@ -80,7 +80,7 @@ class Tags(Folder):
 
     def reads(self, path, facts, picture):
         self.expect(path, "--by-standard", **facts)
-        self.assertEqual(run("--by-standard", "--cover", "-", path).stdout, picture)
+        self.assertEqual(run("--by-standard", "--cover", "-", path)[1], picture)
 
     def test_mutagen(self):
         texts = [(3, 0, LATIN), (3, 1, LATIN), (3, 1, WIDE), (4, 0, LATIN), *itertools.product((4,), (1, 2, 3), (LATIN, WIDE))]
