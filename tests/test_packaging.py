@@ -13,7 +13,6 @@ from program import INFO, SAMPLE, SAMPLES, Folder
 SOURCE = pathlib.Path(__file__).resolve().parent.parent
 IDENTIFIER = "org.sonarin.Sonarin"
 VERSION = re.search(r"^## (\S+)", (SOURCE / "CHANGELOG.md").read_text(), re.M)[1]
-PROGRAMS = "sonarin", "sonarin-info", "sonarin-connect"
 
 
 def said(*command, **options):
@@ -44,13 +43,11 @@ class Installed(Folder):
         """By somebody who has it installed, and nothing else of this environment."""
         return said(*command, cwd=self.folder, env={**self.environment, **environment})
 
-    def test_finds_its_texts_and_says_its_version(self):
+    def test_finds_its_texts(self):
         for locale, size, genre in (("fr_FR.UTF-8", "27,6\u00a0Ko", "Classique"), ("de_DE.UTF-8", "27,6 KB", "Klassik"),
                                     ("ja_JP.UTF-8", "27.6 KB", "クラシック"), ("xx", "27.6 KB", "Classical")):
             text = self.said("sonarin-info", "song.mp3", LC_ALL=locale)
             self.assertEqual(re.findall("(?:Size|Genre) +(.*)", text), [size, genre])
-        for program in PROGRAMS:
-            self.assertEqual(self.said(program, "--version"), f"{program} {VERSION}\n")
 
     def test_desktop_finds_what_it_looks_for(self):
         self.assertEqual(said("desktop-file-validate", self.share / f"applications/{IDENTIFIER}.desktop"), "")
@@ -78,14 +75,14 @@ class Installed(Folder):
 
     def page(self, name):
         """A manual page as people read it, without its lines being filled anew."""
-        command = "man", "--warnings", "-l", self.share / f"man/man1/{name}.1.gz"
-        environment = {**os.environ, "MANWIDTH": "200", "LC_ALL": "C.UTF-8", "MAN_KEEP_FORMATTING": "", "GROFF_NO_SGR": "1"}
-        page = said(*command, env=environment)
+        page = self.said("man", "--warnings", "-l", self.share / f"man/man1/{name}.1.gz",
+                         MANWIDTH="200", MAN_KEEP_FORMATTING="", GROFF_NO_SGR="1")
         self.assertNotIn("warning", page)
         return re.sub(".\b", "", page)  # by which it is bold or underlined
 
-    def test_manual_pages_name_every_option(self):
-        for program in PROGRAMS:
+    def test_every_program_has_its_version_and_a_manual_page_with_its_options(self):
+        for program in ("sonarin", "sonarin-info", "sonarin-connect"):
+            self.assertEqual(self.said(program, "--version"), f"{program} {VERSION}\n")
             page = self.page(program)
             self.assertIn(f"Sonarin {VERSION}", page)
             self.assertLessEqual(options(self.said(program, "--help")), options(page))
@@ -95,15 +92,16 @@ class Installed(Folder):
         blocks = re.findall(r"^ +\$ (.*)\n((?: {10,}[^$ ].*\n)*)", examples, re.M)
         self.assertGreater(len(blocks), 5)
         for command, output in blocks:
-            expected, isWhole, _ = re.sub("^ +", "", output, flags=re.M).partition("...\n")
+            expected, is_cut, _ = re.sub("^ +", "", output, flags=re.M).partition("...\n")
             printed = self.said("bash", "-c", command)
-            self.assertEqual(printed[:len(expected)] if isWhole else printed, expected, command)
+            self.assertEqual(printed[:len(expected)] if is_cut else printed, expected, command)
         self.assertTrue((self.folder / "cover.png").read_bytes().startswith(b"\x89PNG"))
 
     def test_completions(self):
         every = options(self.said("sonarin-info", "--help"))
         for shell, words in (
-                ("bash --norc -i", f". /usr/share/bash-completion/bash_completion; . {self.share}/bash-completion/completions/sonarin-info"),
+                ("bash --norc -i", ". /usr/share/bash-completion/bash_completion; "
+                                   f". {self.share}/bash-completion/completions/sonarin-info"),
                 ("zsh -f -i", f"fpath=({self.share}/zsh/site-functions $fpath); autoload -U compinit; compinit -u -D")):
             terminal, type_keys = self.terminal()
             process = self.enterContext(subprocess.Popen(

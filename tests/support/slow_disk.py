@@ -16,14 +16,11 @@ from fusepy import FUSE, FuseOSError, Operations
 
 
 class SlowDisk(Operations):
-    def __init__(self, folder):
-        self.folder = folder
-
     def path(self, path, call=""):
         name = os.path.basename(path)
-        while call and name.startswith("hang-" + call) and not os.path.exists(os.path.join(self.folder, "answer")):
+        while call and name.startswith("hang-" + call) and not os.path.exists(f"{sys.argv[1]}/answer"):
             time.sleep(0.01)
-        return self.folder + path
+        return sys.argv[1] + path
 
     def getattr(self, path, fh=None):
         status = os.lstat(self.path(path, "stat"))
@@ -61,4 +58,4 @@ class SlowDisk(Operations):
         os.unlink(self.path(path))
 
 
-FUSE(SlowDisk(sys.argv[1]), sys.argv[2], foreground=True, direct_io=True, attr_timeout=0, entry_timeout=0)
+FUSE(SlowDisk(), sys.argv[2], foreground=True, direct_io=True, attr_timeout=0, entry_timeout=0)
