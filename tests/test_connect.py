@@ -1,12 +1,9 @@
 # SPDX-License-Identifier: MIT
 """sonarin-connect as a user calls it; the connectors themselves are met by the programs that they are for."""
 
-import pathlib
 import subprocess
 
 from program import INFO, Folder
-
-CONNECT = pathlib.Path(INFO).with_name("sonarin-connect")
 
 
 class Connect(Folder):
@@ -15,8 +12,8 @@ class Connect(Folder):
         self.write("bin/quodlibet", b"#!/bin/sh\n").chmod(0o755)
         for words, status, said, files in rows:
             with self.subTest(words=words):
-                done = subprocess.run([CONNECT, *words.split()], capture_output=True, text=True, timeout=60,
-                                      env={"PATH": f"{self.folder}/bin", "HOME": str(self.folder)})
+                done = subprocess.run([INFO.removesuffix("info") + "connect", *words.split()], capture_output=True, text=True,
+                                      timeout=60, env={"PATH": f"{self.folder}/bin", "HOME": str(self.folder)})
                 self.assertEqual((done.returncode, done.stdout, done.stderr.partition("Usage: ")[0]),
                                  (status, "", f"sonarin-connect: {said}") if status else (0, said, ""))
                 self.assertCountEqual([path.name for path in self.folder.rglob("*") if path.is_file()], ["quodlibet", *files])
@@ -31,8 +28,7 @@ class Connect(Folder):
     def test_keeps_to_the_older_folder(self):
         (self.folder / ".quodlibet").mkdir()
         self.calls(("quodlibet", 0, "Quod Libet is connected. Start it anew.\n", ["__init__.py", "sonarin_selection.py"]))
-        # A newer one would hide the user's library.
-        self.assertTrue((self.folder / ".quodlibet/plugins/sonarin/__init__.py").exists())
+        self.assertTrue((self.folder / ".quodlibet/plugins/sonarin/__init__.py").exists())  # a newer one would hide the library
 
     def test_says_what_cannot_be_done(self):
         self.write(".config")

@@ -88,9 +88,8 @@ class HostileFiles(Folder):
                 *((f"{name}.mp3", 1, b"ID3\3\0\0\x7f\x7f\x7f\x7f" + name.encode() + b"\xff\xff\xff\xfa\0\0\0" + bytes(200))
                   for name in ("USLT", "APIC", "TIT2")),
                 ("beyond four gibibytes.mp3", 0, SAMPLE.read_bytes(), (5 << 30) + 123),
-                # Holes larger than any disk.
-                ("sound behind.mp3", 0, id3_tag(b""), 1 << 42, SOUND), ("nothing behind.mp3", 1, id3_tag(b""), 1 << 42),
-                ("format behind.wav", 0, b"RIFF\xff\xff\xff\xffWAVE", (1 << 42) + 4,
+                ("far sound.mp3", 0, id3_tag(b""), 1 << 42, SOUND), ("a hole.mp3", 1, id3_tag(b""), 1 << 42),
+                ("far format.wav", 0, b"RIFF\xff\xff\xff\xffWAVE", (1 << 42) + 4,
                  b"fmt \x10\0\0\0\1\0\1\0\x44\xac\0\0\x44\xac\0\0\1\0\x08\0"),
                 # Tags that are larger by their standards.
                 ("bombs.mp3", 0, id3_tag(frame(b"APIC", bomb, 9, bits=7) * 40, 4), SOUND),

@@ -55,7 +55,6 @@ class Library(Folder):
                    "./b.mp3: No such file or directory", "gone: No such file or directory")
         if os.geteuid() != 0:
             (self.folder / "a").chmod(0)
-            self.addCleanup((self.folder / "a").chmod, 0o700)
             self.shows(["-r", "a"], [], "a: Permission denied")
 
     def test_lists_of_names(self):
@@ -85,8 +84,8 @@ class Library(Folder):
         self.assertEqual((status, shown.count(b"\n\n"), said.count("\n")), (1, len(paths) - 1, 32))
         for jobs in ("2", "7"):
             self.assertEqual(run("--jobs", jobs, *paths, cwd=self.folder), (status, shown, said))
-        # So many that it helps itself.
-        self.assertEqual(run(*paths, *paths, cwd=self.folder), (status, shown + b"\n" + shown, said * 2))
+        twice = run(*paths, *paths, cwd=self.folder)  # so many that it helps itself
+        self.assertEqual(twice, (status, shown + b"\n" + shown, said * 2))
         self.shows(["--jobs", "64", *["small.mp3"] * 80], ["small.mp3"] * 80,
                    preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (24, 24)))
 
@@ -94,17 +93,14 @@ class Library(Folder):
 class Endings(Folder):
     WAYS = ((), ("--jobs", "3"))
 
-    def start(self, count, *arguments, **options):
+    def start(self, names, *arguments, **options):
         """One that waits for more names."""
         process = self.enterContext(subprocess.Popen([INFO, "--json", "--files0-from", "-", *arguments], stdin=subprocess.PIPE,
                                                      env=dict(os.environ, TERM="xterm"), **options))
         self.addCleanup(process.kill)
-        self.feed(process, count)
-        return process
-
-    def feed(self, process, count):
-        process.stdin.write(listed(*[SAMPLE] * count))
+        process.stdin.write(listed(*[SAMPLE] * names))
         process.stdin.flush()
+        return process
 
     def test_signals(self):
         for arguments, (end, names, lines) in itertools.product(
@@ -123,7 +119,8 @@ class Endings(Folder):
             process = self.start(2, *arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
             process.stdout.readline()
             process.stdout.close()
-            self.feed(process, 200)  # and no end: it does not wait for one
+            process.stdin.write(listed(*[SAMPLE] * 200))
+            process.stdin.flush()  # and no end: it does not wait for one
             self.assertEqual((process.wait(10), process.stderr.read()), (-signal.SIGPIPE, b""))
 
     def test_a_full_disk(self):

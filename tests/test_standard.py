@@ -17,25 +17,22 @@ JPEG = b"\xff\xd8\xff\xe0" + bytes(range(256)) * 250 + b"\xff\x00\xff\xff\xe0\xf
 TINY = b"\x89PNG tiny"
 
 
-def joined(texts):
-    return " / ".join(str(text) for text in texts if str(text)) or None
+def joined(field, member="text"):
+    return " / ".join(str(text) for text in getattr(field, member, ()) if str(text)) or None
 
 
 def theirs(path):
     """What mutagen says, under our names, and the picture."""
     tags = File(path).tags
-
-    def text(key, member="text"):
-        return joined(getattr(tags[key], member)) if key in tags else None
-
     comment = min((remark for remark in tags.getall("COMM") if not remark.desc.startswith("iTun")),
                   key=lambda remark: remark.desc not in ("", "ID3v1 Comment"), default=None)
     lyrics = min(tags.getall("USLT"), key=lambda text: text.desc != "", default=None)
     picture = min(tags.getall("APIC"), key=lambda picture: picture.type != 3, default=None)
     track, amount = (*re.findall(r"\d+", str(tags.get("TRCK", ""))), 0, 0)[:2]
-    return {"mp3SongTitleString": text("TIT2"), "mp3ArtistString": text("TPE1"), "mp3AlbumString": text("TALB"),
-            "mp3ComposerString": text("TCOM"), "mp3Genre2String": text("TCON", "genres"),
-            "mp3CommentString": joined(comment.text) if comment else None, "mp3LyricsString": str(lyrics) if lyrics else None,
+    return {"mp3SongTitleString": joined(tags.get("TIT2")), "mp3ArtistString": joined(tags.get("TPE1")),
+            "mp3AlbumString": joined(tags.get("TALB")), "mp3ComposerString": joined(tags.get("TCOM")),
+            "mp3Genre2String": joined(tags.get("TCON"), "genres"), "mp3CommentString": joined(comment),
+            "mp3LyricsString": str(lyrics) if lyrics else None,
             "mp3Year": int(str(tags.get("TDRC", "0"))[:4]), "mp3TheTrack": int(track), "mp3TrackAmount": int(amount),
             "mp3CoverArt": len(picture.data) if picture else None}, picture.data if picture else b""
 
@@ -69,8 +66,8 @@ def whole_tag(version, content, flags=0, extended=b"", padding=100, whole=lambda
 class Tags(Folder):
     def setUp(self):
         super().setUp()
-        source = self.sound(seconds=0.4, channels=1)
-        self.sounds = {"mp3": self.made("plain.mp3", "lame", "--quiet", "-b", "32", "-t", source).read_bytes()}
+        short = self.made("plain.mp3", *"lame --quiet -b 32 -t".split(), self.sound(seconds=0.4, channels=1))
+        self.sounds = {"mp3": short.read_bytes()}
         odd = self.sound(seconds=0.010125, rate=8000, channels=1)  # 81 bytes, and a pad byte
         for kind in ("aiff", "wav"):
             self.sounds[kind] = self.made(f"plain.{kind}", "sox", odd, "-b", "8").read_bytes()
@@ -131,7 +128,6 @@ class Tags(Folder):
     def test_other_taggers(self):
         cover = self.made("drawn.png", "ffmpeg", "-v", "error", "-f", "lavfi", "-i", "testsrc=size=64x64", "-frames:v", "1")
         plain = self.write("plain.mp3", self.sounds["mp3"])
-        source = self.sound(seconds=0.4, channels=1)
         metadata = [word for fact in (f"title={LATIN}", "artist=Ann", f"album={WIDE}", "genre=Rock", "comment=Über", "date=1999",
                                       "track=3/12") for word in ("-metadata", fact)]
         for command in (
@@ -145,7 +141,7 @@ class Tags(Folder):
                 *(["ffmpeg", "-y", "-v", "error", "-i", plain, "-i", cover, "-map", "0:0", "-map", "1:0", "-c", "copy",
                    "-id3v2_version", version, "-write_id3v1", old, *metadata] for version, old in itertools.product("34", "01")),
                 *(["lame", "--quiet", *options, "--tt", LATIN, "--ta", "Ann", "--tl", "Album", "--ty", "1999", "--tc", "Über",
-                   "--tn", "3/12", "--tg", "Rock", source]
+                   "--tn", "3/12", "--tg", "Rock", self.sound(seconds=0.4, channels=1)]
                   for options in (["--id3v2-latin1", "--ti", cover], ["--id3v2-utf16", "--ti", cover], ["--id3v1-only"],
                                   ["--id3v2-only", "--pad-id3v2"]))):
             self.write("x.mp3", self.sounds["mp3"])
