@@ -1,193 +1,267 @@
 // SPDX-License-Identifier: MIT
+#include "engine/id3frameText.h"
 #include "engine/id3genres.h"
+#include "engine/id3picture.h"
 #include "engine/id3v1.h"
-#include "engine/id3v2.h"
 #include "tests/support/readBytes.h"
-#include "tests/support/readFile.h"
-#include "tests/support/sampleBytes.h"
-#include "text/stringEngine.h"
-
-#include <gtest/gtest.h>
-
-#include <vector>
 
 namespace sonarin {
 
 namespace {
 
-using sample::bytes;
-using sample::id3Frame;
-using sample::id3Tag;
-using sample::padded;
+using namespace sample;
+using namespace std::string_literals;
 
-struct TagResult {
-    audioTags record;
-    std::uint64_t end = 0;
-};
-
-TagResult readTag(const std::string& tag, const std::string& behind = std::string(300, 'z')) {
-    startUpIn("C");
-    OpenBytes file(tag + behind);
-    TagResult result;
-    mp3ReadV2Tags(&result.record, &result.end, &file.cache);
-    return result;
+std::string titleOf(const std::string& tag) {
+    return plain(readTag(tag).first.mp3SongTitleString);
 }
 
-TEST(ID3v2, FillsTheRecord) {
-    const std::string frames = id3Frame("TIT2", bytes("\0Title")) + id3Frame("TPE1", bytes("\0Ann")) +
-                               id3Frame("TPE1", bytes("\0Bob")) + id3Frame("TALB", bytes("\0Album")) +
-                               id3Frame("TCOM", bytes("\0Composer")) + id3Frame("TENC", bytes("\0Encoder")) +
-                               id3Frame("TCON", bytes("\0(17)Rock")) +
-                               id3Frame("COMM", bytes("\0eng\0Nice\0")) +
-                               id3Frame("USLT", bytes("\0eng\0la\0")) + id3Frame("YTDS", bytes("\0di da")) +
-                               id3Frame("TRCK", bytes("\0001/2")) + id3Frame("TRCK", bytes("\0005/12")) +
-                               id3Frame("TYER", bytes("\0001999")) + id3Frame("TYER", bytes("\0002004")) +
-                               id3Frame("TXXX", bytes("\0k\0v")) + id3Frame("tit2", bytes("\0no"));
-    for (const char version : {char{3}, char{4}, char{5}}) {
-        const TagResult tag = readTag(id3Tag(frames, 50, version));
-        EXPECT_EQ(tag.record.mp3TagVersion, version == 4 ? 4 : 3);
-        EXPECT_EQ(tag.end, frames.size() + 60);
-        EXPECT_EQ(tagsOf(tag.record), "Title|Ann Bob|Album|Composer|Nice|Rock|la di da|Encoder|2004|5/12");
-        EXPECT_EQ(tag.record.mp3Genre, 0);
+TEST(ID3v2, FillsTheRecordUntilItIsReleased) {
+    const std::string frames =
+        textFrame("TIT2", "Title") + textFrame("TPE1", "Ann") + textFrame("TPE1", "Bob") +
+        textFrame("TALB", "Album") + textFrame("TCOM", "Composer") + textFrame("TENC", "Encoder") +
+        textFrame("TCON", "(17)Rock") + id3Frame("COMM", "\0eng\0Nice\0"s) +
+        id3Frame("USLT", "\0eng\0la\0"s) + textFrame("YTDS", "di da") + textFrame("TRCK", "1/2") +
+        textFrame("TRCK", "5/12") + textFrame("TYER", "1999") + textFrame("TYER", "2004") +
+        id3Frame("TXXX", "\0k\0v"s) + textFrame("tit2", "no");
+    const std::string end = std::to_string(frames.size() + 60);
+    const std::string facts =
+        " year=2004 track=5 of=12 title=Title artist=Ann Bob album=Album composer=Composer "
+        "comment=Nice genre=Rock lyrics=la di da encoder=Encoder";
+    const std::string unreadable = textFrame("TRCK", "3/4") + id3Frame("TRCK", "\xE9\xE9") +
+                                   textFrame("TYER", "1990") + id3Frame("TYER", "\xE9\xE9");
+    expectEach([](const std::string& tag) { return endAndFacts(tag); },
+               {{end + " tag=3" + facts, {id3Tag(frames, 50, 3), id3Tag(frames, 50, 5)}},
+                {end + " tag=4" + facts, {id3Tag(frames, 50, 4)}},
+                {"79 tag=3", {id3Tag(unreadable)}}});
+    const std::string oldFrames = textFrame("TT2", "T") + textFrame("TP1", "A") + textFrame("TAL", "L") +
+                                  textFrame("TCM", "C") + textFrame("TEN", "E") + textFrame("TCO", "(13)") +
+                                  id3Frame("COM", "\0eng\0c\0"s) + id3Frame("ULT", "\0eng\0l\0"s) +
+                                  textFrame("TDS", "d") + textFrame("TRK", "7") + textFrame("TYE", "1987") +
+                                  id3Frame("PIC", "\0JPG\0\0"s + std::string(100, 'j'));
+    for (const auto release : {mp3DisposeTagsData, amdReleaseAudioMetaData}) {
+        audioTags record = readTag(id3Tag(oldFrames, 20, 2)).first;
+        EXPECT_EQ(factsOf(record),
+                  " tag=2 year=1987 track=7 title=T artist=A album=L composer=C comment=c genre=Pop "
+                  "lyrics=l d encoder=E picture=JPEG:" +
+                      std::string(100, 'j') + '\0');
+        for (int i = 0; i < 2; ++i) {
+            release(&record);
+            EXPECT_EQ(factsOf(record), " tag=2 year=1987 track=7 picture=JPEG:"); // nothing but numbers
+        }
     }
-}
-
-TEST(ID3v2, ReadsVersion2) {
-    const TagResult tag = readTag(id3Tag(
-        id3Frame("TT2", bytes("\0T")) + id3Frame("TP1", bytes("\0A")) + id3Frame("TAL", bytes("\0L")) +
-            id3Frame("TCM", bytes("\0C")) + id3Frame("TEN", bytes("\0E")) + id3Frame("TCO", bytes("\0(13)")) +
-            id3Frame("COM", bytes("\0eng\0c\0")) + id3Frame("ULT", bytes("\0eng\0l\0")) +
-            id3Frame("TDS", bytes("\0d")) + id3Frame("TRK", bytes("\0007")) +
-            id3Frame("TYE", bytes("\0001987")) + id3Frame("PIC", bytes("\0JPG\0\0") + std::string(100, 'j')),
-        20, 2));
-    EXPECT_EQ(tag.record.mp3TagVersion, 2);
-    EXPECT_EQ(tagsOf(tag.record), "T|A|L|C|c|Pop|l d|E|1987|7/0");
-    EXPECT_EQ(tag.record.mp3CoverArt.size(), 101U);
 }
 
 TEST(ID3v2, WalksFramesAsTheirSizesSay) {
-    const std::string absent = "(absent)";
-    const std::string title = id3Frame("TIT2", bytes("\0Title"));
-    const std::string title2 = id3Frame("TT2", bytes("\0Title"));
+    const std::string title = textFrame("TIT2", "Title");
+    const std::string title2 = textFrame("TT2", "Title");
     const std::string other = id3Frame("TXXX", std::string(300, 'x'));
-    const auto extended = [](const std::string& size, std::size_t rest) {
-        return size + std::string(rest, '\0');
-    };
-    // A frame that begins within the tag is read whole; the next one begins beyond its end.
-    const std::string longTitle = id3Frame("TIT2", bytes("\0") + std::string(50, 't'));
-    for (const auto& [tag, expected] : std::vector<std::pair<std::string, std::string>>{
-             {id3Tag(bytes("TXXX\0\0\0\0\0\0") + title), absent},            // an empty frame ends the walk,
-             {id3Tag(id3Frame(std::string(4, '\0'), "x") + title), absent},  // and an id of zero bytes,
-             {id3Tag(id3Frame(bytes("\0\0\0X"), "x") + title), "Title"},     // all four of them
-             {id3Tag(id3Frame(bytes("\0XX"), "x") + title2, 16, 2), absent}, // or the first, in version 2
-             {id3Tag(id3Frame(bytes("X\0\0"), "x") + title2, 16, 2), "Title"},
-             {id3Tag(other + title), "Title"},        // sizes are plain numbers,
-             {id3Tag(other + title, 16, 4), "Title"}, // in version 4 too
-             {id3Tag(bytes("TXXX\xFF\xFF\xFF\xF0\0\0") + title), absent},
-             {id3Tag(longTitle.substr(0, 20), 0) + longTitle.substr(20) + title, std::string(50, 't')},
-             // The extended header is skipped by its size alone, which has seven bits a byte.
-             {id3Tag(extended(bytes("\0\0\0\12"), 6) + title, 16, 4, 0x40), "Title"},
-             {id3Tag(extended(bytes("\0\0\1\0"), 124) + title, 16, 3, 0x40), "Title"}}) {
-        EXPECT_EQ(plain(readTag(tag).record.mp3SongTitleString), expected) << testing::PrintToString(tag);
-    }
-    EXPECT_FALSE(readTag(id3Tag(extended(bytes("\0\0\0\12"), 6), 0, 3, 0x40), "").record.mp3SongTitleString);
-    // Major versions 0 and 1 hold nothing that is known, but are passed over.
-    const TagResult unknown = readTag(id3Tag(title, 16, 1));
-    EXPECT_EQ(unknown.record.mp3TagVersion, 0);
-    EXPECT_EQ(unknown.end, title.size() + 26);
-    EXPECT_FALSE(unknown.record.mp3SongTitleString);
-    // The top bits of the size bytes count.
-    EXPECT_EQ(readTag(bytes("ID3\3\0\0\0\0\0\x80")).end, 138U);
-    EXPECT_EQ(readTag("ID3", "").end, 0U);
+    const std::string longTitle = textFrame("TIT2", std::string(50, 't'));
+    expectEach(titleOf,
+               {{"(absent)",
+                 {id3Tag("TXXX\0\0\0\0\0\0"s + title),                 // an empty frame ends the walk,
+                  id3Tag(id3Frame(std::string(4, '\0'), "x") + title), // and an id of zero bytes,
+                  id3Tag(id3Frame("\0XX"s, "x") + title2, 16, 2),      // or the first, in version 2
+                  id3Tag("TXXX\xFF\xFF\xFF\xF0\0\0"s + title)}},
+                {"Title",
+                 {id3Tag(id3Frame("\0\0\0X"s, "x") + title), id3Tag(id3Frame("X\0\0"s, "x") + title2, 16, 2),
+                  // Sizes are plain numbers, in version 4 too.
+                  id3Tag(other + title), id3Tag(other + title, 16, 4),
+                  // The extended header is skipped by its size alone, which has seven bits a byte.
+                  id3Tag(sevenBits(10) + std::string(6, '\0') + title, 16, 4, 0x40),
+                  id3Tag(sevenBits(128) + std::string(124, '\0') + title, 16, 3, 0x40)}},
+                // A frame that begins within the tag is read whole; the next one begins beyond its end.
+                {std::string(50, 't'), {id3Tag(longTitle.substr(0, 20), 0) + longTitle.substr(20) + title}}});
+    expectEach([](const std::string& tag) { return endAndFacts(tag); },
+               {{"42", {id3Tag(title, 16, 1)}},          // nothing is known of it, but it is passed over
+                {"138 tag=3", {"ID3\3\0\0\0\0\0\x80"s}}, // the top bits of the size bytes count
+                {"20 tag=3", {id3Tag(sevenBits(10) + std::string(6, '\0'), 0, 3, 0x40)}},
+                {"0", {"ID3"}}});
 }
 
 TEST(ID3v2, ResolvesGenreReferences) {
-    for (const auto& [genre, expected] :
-         std::vector<std::pair<std::string, std::string>>{{"(17)", "Rock"},
-                                                          {"(4)Eurodisco", "Disco"},
-                                                          {"(0)", "(0)"},
-                                                          {"17", "17"},
-                                                          {"Rock", "Rock"},
-                                                          {"(125)", "(125)"},
-                                                          {"(99)", "Acoustic"},
-                                                          {"(-1)", "(absent)"},
-                                                          {"(5))", "Funk"},
-                                                          {"(ab)", "(ab)"},
-                                                          {"()", "()"},
-                                                          {"x(7)", "x(7)"}}) {
-        EXPECT_EQ(plain(readTag(id3Tag(id3Frame("TCON", bytes("\0") + genre))).record.mp3Genre2String),
-                  expected)
-            << genre;
-    }
+    const auto genre = [](const std::string& content) {
+        return plain(readTag(id3Tag(textFrame("TCON", content))).first.mp3Genre2String);
+    };
+    expectRows(genre, {"(17) -> Rock", "(4)Eurodisco -> Disco", "(0) -> (0)", "17 -> 17", "Rock -> Rock",
+                       "(125) -> (125)", "(99) -> Acoustic", "(-1) -> (absent)", "(5)) -> Funk",
+                       "(ab) -> (ab)", "() -> ()", "x(7) -> x(7)"});
     EXPECT_EQ(plain(mp3LoadGenreString(126)), "Dance Hall");
     for (const int number : {0, 127, -1, 65537}) {
-        EXPECT_FALSE(mp3LoadGenreString(number));
+        EXPECT_FALSE(mp3LoadGenreString(number)) << number;
     }
 }
 
 TEST(ID3v2, SplitsTrackTexts) {
-    struct Case {
-        const char* text;
-        std::uint16_t track;
-        std::uint16_t amount;
-    };
-    for (const Case& c : std::vector<Case>{{"3/12", 3, 12},
-                                           {"7", 7, 0},
-                                           {"/12", 0, 12},
-                                           {"3/", 3, 0},
-                                           {"1/2/3", 1, 2},
-                                           {"65537/-1", 1, 65535}}) {
+    const auto split = [](const std::string& content) {
         std::uint16_t track = 99;
         std::uint16_t amount = 99;
-        mp3DecodeTrackInfo(text(c.text), &track, &amount);
-        EXPECT_EQ(track, c.track) << c.text;
-        EXPECT_EQ(amount, c.amount) << c.text;
-    }
-    const TagResult unreadable =
-        readTag(id3Tag(id3Frame("TRCK", bytes("\0003/4")) + id3Frame("TRCK", "\xE9\xE9") +
-                       id3Frame("TYER", bytes("\0001990")) + id3Frame("TYER", "\xE9\xE9")));
-    EXPECT_EQ(unreadable.record.mp3TheTrack, 0);
-    EXPECT_EQ(unreadable.record.mp3TrackAmount, 0);
-    EXPECT_EQ(unreadable.record.mp3Year, 0);
-}
-
-std::string id3v1(const std::string& title, const std::string& artist, const std::string& comment, int track,
-                  int genre) {
-    return "TAG" + padded(title, 30) + padded(artist, 30, ' ') + padded("Album \0", 30) + "1999" +
-           (track != 0 ? padded(comment, 28) + bytes("\0") + static_cast<char>(track) : padded(comment, 30)) +
-           static_cast<char>(genre);
-}
-
-audioTags readBlock(const std::string& content, audioTags record = {}) {
-    startUpIn("C");
-    OpenBytes file(content);
-    mp3ReadV1Tag(&record, &file.cache, content.size());
-    return record;
+        mp3DecodeTrackInfo(text(content), &track, &amount);
+        return std::to_string(track) + " of " + std::to_string(amount);
+    };
+    expectRows(split, {"3/12 -> 3 of 12", "7 -> 7 of 0", "/12 -> 0 of 12", "3/ -> 3 of 0", "1/2/3 -> 1 of 2",
+                       "65537/-1 -> 1 of 65535"});
 }
 
 TEST(ID3v1, FillsAndOverwritesTheRecord) {
+    startUpIn("C");
+    const auto block = [](const std::string& title, const std::string& comment, char genre) {
+        return "TAG" + padded(title, 30) + padded("", 30, ' ') + padded("Album \0"s, 30) + "1999" +
+               padded(comment, 30) + genre;
+    };
+    const auto facts = [](const std::string& content, audioTags record = {}) {
+        OpenBytes file(content);
+        mp3ReadV1Tag(&record, &file.cache, content.size());
+        return factsOf(record);
+    };
     audioTags before;
     before.mp3ArtistString = text("v2 artist");
     before.mp3ComposerString = text("v2 composer");
     before.mp3TrackAmount = 9;
-    const audioTags record = readBlock(
-        "xx" + id3v1("T\x8Atel", "", "9 comment that is cut at 28 bytes", 200, 17), std::move(before));
-    EXPECT_EQ(record.mp3TagVersion, 1);
     // An artist that is all blanks changes nothing, and the year ends before the comment's digit.
-    EXPECT_EQ(tagsOf(record),
-              "Tätel|v2 artist|Album|v2 composer|9 comment that is cut at 28|Rock|-|-|1999|200/9");
-    EXPECT_EQ(record.mp3Genre, 17);
+    EXPECT_EQ(facts("xx" + block("T\x8Atel", "9 comment that is cut at 28 \0\xC8"s, 17), std::move(before)),
+              " tag=1 code=17 year=1999 track=200 of=9 title=Tätel artist=v2 artist album=Album "
+              "composer=v2 composer comment=9 comment that is cut at 28 genre=Rock");
+    const std::string comment(30, 'c');
+    expectEach(
+        [&](const std::string& content) { return facts(content); },
+        {{" tag=1 code=-1 year=1999 title= album=Album comment=" + comment, {block("", comment, '\xFF')}},
+         {" tag=1 code=126 year=1999 title= album=Album", {block("", "", 126)}},
+         {" tag=1 year=1999 title=a\0b album=Album genre=Blues"s, {block("a\0b  "s, "", 0)}},
+         {"", {"tag" + std::string(125, ' '), block("T", "", 0).substr(1)}}});
+}
 
-    const audioTags other = readBlock(id3v1("", "", std::string(30, 'c'), 0, 255));
-    EXPECT_EQ(tagsOf(other),
-              "|-|Album|-|" + std::string(30, 'c') + "|-|-|-|1999|0/0"); // a title, though empty
-    EXPECT_EQ(other.mp3Genre, -1);
-    EXPECT_FALSE(readBlock(id3v1("", "", "", 0, 126)).mp3Genre2String);
-    EXPECT_EQ(plain(readBlock(id3v1(bytes("a\0b  "), "", "", 0, 0)).mp3SongTitleString), bytes("a\0b"));
+/// Decodes a frame's content, the bytes behind its encoding byte; `next` follows it in the file.
+std::string decode(const std::string& content, const std::string& before = {}, const std::string& next = "X",
+                   std::uint32_t bufferSize = rcStandardBufferSize) {
+    OpenBytes file("?" + content + next, bufferSize);
+    SvxStringRef field = before.empty() ? nullptr : text(before);
+    mp3ReadSvxStringFromFile(&file.cache, 1, static_cast<std::uint32_t>(content.size() + 1), &field);
+    return plain(field);
+}
 
-    for (const std::string& noBlock : {"tag" + std::string(125, ' '), id3v1("T", "", "", 0, 0).substr(1)}) {
-        EXPECT_EQ(readBlock(noBlock).mp3TagVersion, 0);
+TEST(FrameText, IsRecognisedByItsBytes) {
+    const std::string mark = "\xFF\xFE";
+    const std::string marks = mark + "\0\0"s + mark;
+    const auto decoded = [](const std::string& content) {
+        EXPECT_EQ(decode(content, "", "X", 1), decode(content));
+        return decode(content);
+    };
+    expectRows(decoded, {"Hello -> Hello", "Hello\0 -> Hello"s, "Hello\0\0 -> Hello\0"s, " -> ", "\0 -> \0"s,
+                         "english -> lis", "eng -> eng", "engl -> engl", "eng\0Nice\0 -> Nice"s,
+                         "eng\0Caf\xE9\0 -> CafÈ"s, "eng\0Caf\xC3\xA9\0 -> Café"s, "iTunSMP -> iTunSMP",
+                         "engdesc\0text\0 -> desc\0text"s});
+    // A last byte is taken for a terminator; one of zero is dropped from three bytes on.
+    expectRows(decoded, {"eng\0Nice -> Nic"s, "a\0 -> a"s});
+    expectRows(decoded, {"Caf\xE9 -> (absent)", "Caf\xC3\xA9 -> (absent)", "\xFE\xFF\0H\0i -> (absent)"s,
+                         "eng\0ITUNnorm 00\0 -> (absent)"s, "my itunes_cddb -> (absent)"});
+    expectEach(decoded,
+               {{"Hi", {mark + utf16("Hi")}},
+                {"Hi\0"s, {mark + utf16("Hi") + "\0\0"s}},
+                {"", {mark, "eng" + marks + "xx"}}, // twelve bytes are enough
+                {"(absent)",
+                 {"eng" + marks, "123456789" + mark + utf16("ab")}}, // too short for the rule; a mark at 9
+                {"ab", {"12345678" + mark + utf16("ab")}},           // one at 8 is still found
+                {"Note", {"eng" + marks + utf16("Note") + "\0\0"s}},
+                {"Not", {"eng" + marks + utf16("Note")}},
+                // read as Mac OS Roman
+                {"ˇ˛d\0\0\0ˇ˛t"s, {"eng" + mark + utf16("d") + "\0\0"s + mark + utf16("t")}},
+                {"\0\xEF\xBB\xBFText"s, {"deu" + marks + utf16("Text")}},
+                {"\0\xEF\xBB\xBFx"s, {"ENG" + marks + utf16("x")}}});
+}
+
+TEST(FrameText, JoinsWhatIsThereAndFailsUnchanged) {
+    EXPECT_EQ(decode("Bob", "Ann"), "Ann Bob");
+    EXPECT_EQ(decode("engiTunNORM\0 00\0"s, "kept"), "kept");
+    EXPECT_EQ(decode("Caf\xE9", "kept"), "kept");
+    EXPECT_EQ(decode("end of file", "kept", ""), "kept"); // the byte behind the frame is missing
+
+    OpenBytes file("?text");
+    SvxStringRef field;
+    for (const std::uint32_t count : {0U, 0xFFFFFFFFU, 0xFFFFFFFEU, 0xFFFFFFF0U}) {
+        mp3ReadSvxStringFromFile(&file.cache, 1, count, &field);
+        EXPECT_FALSE(field) << count;
     }
+    mp3ReadSvxStringFromFile(&file.cache, ~std::uint64_t{0}, 4, &field);
+    EXPECT_FALSE(field);
+}
+
+TEST(FrameText, ReadsLongTextsInPieces) {
+    // Longer than the read buffer, with characters of several bytes across its boundaries.
+    const std::string longText = repeated(30000, "aé日🎵");
+    const std::string broken = longText + "\xE9";
+    EXPECT_TRUE(decode("eng\0"s + longText + '\0') == longText);
+    EXPECT_TRUE(decode("eng\0"s + broken + '\0') == plain(SvxStringFromCString(broken)));
+    EXPECT_TRUE(decode(std::string(200000, 'x')) == std::string(200000, 'x'));
+    EXPECT_TRUE(decode("\xFF\xFE" + utf16(std::string(100001, 'y'))) == std::string(100001, 'y'));
+}
+
+TEST(FramePicture, StartsWhereItsFormatSays) {
+    const std::string rest(100, 'r');
+    const std::string jpeg = "\xFF\xD8\xFF\xE0";
+    const std::string jpegs = jpeg + rest;
+    const std::string pngs = "\x89PNG" + rest;
+    // In a range that goes one byte beyond the frame; found alike in another size of the buffer.
+    const auto read = [](const std::string& content) {
+        const std::string bytes = "?" + content + "N";
+        const auto count = static_cast<std::uint32_t>(content.size() + 1);
+        OpenBytes file(bytes);
+        OpenBytes sameFile(bytes, 1);
+        audioTags loaded;
+        audioTags found;
+        const std::int32_t result = mp3ReadCoverArt(&loaded, 1, count, &file.cache);
+        EXPECT_EQ(mp3ReadCoverArt(&found, 1, count, &sameFile.cache, Pictures::find), result);
+        EXPECT_FALSE(found.mp3CoverArt);
+        EXPECT_EQ(factsOf(found, bytes), factsOf(loaded));
+        return std::to_string(result) + factsOf(loaded);
+    };
+    expectEach(read, {{"0 picture=JPEG:" + jpegs + "N",
+                       {"image/jpeg\0\3\0"s + jpegs, "image/jpg\0\3\0"s + jpegs, "JPG\0\0"s + jpegs,
+                        "x\0\0"s + jpegs}},
+                      {"0 picture=PNGf:" + pngs + "N",
+                       {"image/png\0\3\0"s + pngs, "image/jpeg\0\3\0"s + pngs, // the bytes know better
+                        "PNG\3\0"s + pngs}},                                   // found by looking everywhere
+                      {"0 picture=BMPf:BM" + rest + "N", {"image/bmp\0\3\0BM"s + rest}},
+                      {"0 picture=JPEG:\0\0\xFF\xFE"s + rest + "N", {"image/png\0\3\0\0\0\xFF\xFE"s + rest}},
+                      {"0 picture=JPEG:over\0"s + jpegs + "N", {"image/jpeg\0\3cover\0"s + jpegs}},
+                      {"0 picture=JPEG:G\0zzN"s, {rest + "JPG\0zz"s}},
+                      // Across two fillings of the buffer.
+                      {"0 picture=JPEG:" + jpeg + "N",
+                       {std::string(4092, 'x') + "\0\0"s + jpeg, std::string(90000, 'x') + "\0\0"s + jpeg}},
+                      {"0 picture=PNGf:\x89PNG" + std::string(70000, 'r') + "N",
+                       {std::string(4094, 'x') + "\x89PNG" + std::string(70000, 'r')}},
+                      {"-2", {"JPG\3\0"s + jpegs, "image/JPEG\0\3\0"s + jpegs, rest + "\x89PN"}},
+                      {"-1", {std::string(98, 'x')}}});
+}
+
+TEST(FramePicture, IsNoneWhenTheFileChangesMeanwhile) {
+    const std::string start = "image/png\0\3\0\x89PNG"s;
+    for (const std::string& changed : {start + std::string(50000, 'p'), std::string(100016, 'q'), ""s}) {
+        OpenBytes file(start + std::string(100000, 'p'));
+        file.change(changed); // the buffer still holds what the file began with
+        audioTags record;
+        EXPECT_EQ(mp3ReadCoverArt(&record, 0, 100000, &file.cache), -2);
+        EXPECT_EQ(factsOf(record), "");
+    }
+}
+
+TEST(FramePicture, StaysUntilAnotherIsRead) {
+    OpenBytes file("image/png\0\3\0"s + std::string(200, 'p'));
+    audioTags record;
+    EXPECT_EQ(mp3ReadCoverArt(&record, 0, 150, &file.cache), 0);
+    EXPECT_EQ(mp3ReadCoverArt(&record, 20, 150, &file.cache), -2); // no start anywhere
+    EXPECT_EQ(mp3ReadCoverArt(&record, 0, 250, &file.cache), -2);  // beyond the end
+    EXPECT_EQ(mp3ReadCoverArt(&record, 0, ~0U, &file.cache), -2);  // 4 GiB of nothing
+    EXPECT_EQ(mp3ReadCoverArt(&record, 0, 99, &file.cache), -1);
+    EXPECT_EQ(factsOf(record), " picture=PNGf:" + std::string(138, 'p'));
+    EXPECT_EQ(mp3ReadCoverArt(&record, 0, 160, &file.cache), 0);
+    EXPECT_EQ(factsOf(record), " picture=PNGf:" + std::string(148, 'p'));
+    setHostPictureDecoder([](std::span<const std::uint8_t> /*bytes*/,
+                             const std::atomic<bool>* /*isWanted*/) -> std::unique_ptr<HostPicture> {
+        throw std::bad_alloc();
+    });
+    EXPECT_FALSE(amdGetCoverArt(record));
+    setHostPictureDecoder(nullptr);
 }
 
 } // namespace
