@@ -1,109 +1,73 @@
 // SPDX-License-Identifier: MIT
-#include "engine/audioMetaData.h"
-#include "engine/fileEngine.h"
 #include "platform/host/fileAttributes.h"
-#include "tests/support/sampleBytes.h"
-#include "tests/support/testFolder.h"
-#include "text/stringEngine.h"
+#include "tests/support/readBytes.h"
 
-#include <gtest/gtest.h>
-
-#include <map>
 #include <sys/xattr.h>
-#include <vector>
 
 namespace sonarin {
 
 namespace {
 
-using sample::bytes;
+using namespace sample;
+using namespace std::string_literals;
 
 /// An AppleDouble file with a comment entry before the Finder info.
 std::string appleDouble(const std::string& typeAndCreator) {
-    return bytes("\x00\x05\x16\x07\x00\x02\x00\x00") + std::string(16, '\0') + bytes("\0\2") +
-           sample::bigEndian(4) + sample::bigEndian(50) + sample::bigEndian(3) + sample::bigEndian(9) +
-           sample::bigEndian(53) + sample::bigEndian(32) + "abc" + sample::padded(typeAndCreator, 32);
+    return "\x00\x05\x16\x07\x00\x02\x00\x00"s + std::string(16, '\0') + "\0\2"s + bigEndian(4) +
+           bigEndian(50) + bigEndian(3) + bigEndian(9) + bigEndian(53) + bigEndian(32) + "abc" +
+           padded(typeAndCreator, 32);
 }
 
-std::int32_t typeOf(const std::string& path) {
-    return amdAudioFileType(feMakePathText(path));
+std::string typeOf(const std::string& path) {
+    const std::vector<std::string> names = {"none", "MP3", "M4A", "M4P", "WAVE", "AIFF"};
+    return names.at(static_cast<std::size_t>(amdAudioFileType(feMakePathText(path))));
 }
 
 TEST(Classification, GoesByNameWithoutCodes) {
-    const std::map<std::int32_t, std::vector<std::string>> namesOfType = {
-        {amdTypeMP3, {"missing.mp3", "Song.Mp3", ".mp3/", "\xFF.mp3"}},
-        {amdTypeM4A, {"a.m4a", "a.AAC"}},
-        {amdTypeM4P, {"book.m4b", "a.M4P", "a.m4r"}},
-        {amdTypeAIFF, {"Song.AIF", "song.aiff"}},
-        {amdTypeWAVE, {"a.wav", "a.WAVE"}},
-        {amdTypeNone, {"song.mp3 ", "mp3", "song.aifc", "a.mp3.txt", ""}}};
-    for (const auto& [type, names] : namesOfType) {
-        for (const std::string& name : names) {
-            EXPECT_EQ(typeOf("/nowhere/" + name), type) << name;
-        }
-    }
+    expectRows([](const std::string& name) { return typeOf("/nowhere/" + name); },
+               {"missing.mp3 -> MP3", "Song.Mp3 -> MP3", ".mp3/ -> MP3", "\xFF.mp3 -> MP3", "a.m4a -> M4A",
+                "a.AAC -> M4A", "book.m4b -> M4P", "a.M4P -> M4P", "a.m4r -> M4P", "Song.AIF -> AIFF",
+                "song.aiff -> AIFF", "a.wav -> WAVE", "a.WAVE -> WAVE", "song.mp3  -> none", "mp3 -> none",
+                "song.aifc -> none", "a.mp3.txt -> none", " -> none"});
     EXPECT_EQ(amdAudioFileType(SvxStringGetEmpty()), amdTypeNone);
 }
 
 TEST(Classification, LooksAtTypeAndCreator) {
-    struct Case {
-        const char* name;
-        std::string codes;
-        std::int32_t type;
-    };
     const TestFolder folder;
-    for (const Case& c : std::vector<Case>{{"x", "MPG3    ", amdTypeMP3},
-                                           {"x.wav", "MP3     ", amdTypeMP3},
-                                           {"x", "MPEG    ", amdTypeMP3},
-                                           {"x", "MPG2SJAM", amdTypeMP3},
-                                           {"x", "MPG2sjam", amdTypeNone},
-                                           {"x", "PLAYmAmp", amdTypeMP3},
-                                           {"x.aif", "PLAYxxxx", amdTypeAIFF},
-                                           {"x", "Mp3 Audn", amdTypeMP3},
-                                           {"x", "Mp3 TVOD", amdTypeMP3},
-                                           {"x", "Mp3 hook", amdTypeNone},
-                                           {"x.mp3", "AIFFabcd", amdTypeMP3},
-                                           {"x.wav", "AIFFabcd", amdTypeAIFF},
-                                           {"x", "AIFCabcd", amdTypeAIFF},
-                                           {"x", "WAVEabcd", amdTypeWAVE},
-                                           {"x.m4b", "M4A abcd", amdTypeM4A},
-                                           {"x.m4b", "M4A M4P ", amdTypeM4A},
-                                           {"x.wav", "WAVEM4P ", amdTypeM4P},
-                                           {"x.m4a", "abcdM4B ", amdTypeM4P},
-                                           {"x.m4a", "M4P M4A ", amdTypeM4A}}) {
-        folder.write(c.name, "");
-        folder.write(std::string("._") + c.name, appleDouble(c.codes));
-        EXPECT_EQ(typeOf(folder.path(c.name)), c.type) << c.name << " " << c.codes;
-    }
+    const auto type = [&folder](const std::string& nameAndCodes) {
+        const std::string name = nameAndCodes.substr(0, nameAndCodes.find(':'));
+        folder.write("._" + name, appleDouble(nameAndCodes.substr(name.size() + 1)));
+        return typeOf(folder.write(name, ""));
+    };
+    expectRows(type,
+               {"x:MPG3     -> MP3", "x.wav:MP3      -> MP3", "x:MPEG     -> MP3", "x:MPG2SJAM -> MP3",
+                "x:MPG2sjam -> none", "x:PLAYmAmp -> MP3", "x.aif:PLAYxxxx -> AIFF", "x:Mp3 Audn -> MP3",
+                "x:Mp3 TVOD -> MP3", "x:Mp3 hook -> none", "x.mp3:AIFFabcd -> MP3", "x.wav:AIFFabcd -> AIFF",
+                "x:AIFCabcd -> AIFF", "x:WAVEabcd -> WAVE", "x.m4b:M4A abcd -> M4A", "x.m4b:M4A M4P  -> M4A",
+                "x.wav:WAVEM4P  -> M4P", "x.m4a:abcdM4B  -> M4P", "x.m4a:M4P M4A  -> M4A"});
 }
 
 TEST(TypeCodes, ComeFromWhereverTheDiskKeepsThem) {
     const TestFolder folder;
     const std::string path = folder.write("old song", "");
-    const auto type = [&path] { return hostTypeCodes(path).type; };
-    EXPECT_EQ(type(), 0U);
-    for (const std::string& broken :
-         {std::string("short"), appleDouble("MPG3").substr(0, 56), std::string(200, '\xFF'),
-          appleDouble("MPG3").replace(24, 2, "\xFF\xFF").substr(0, 80)}) {
+    EXPECT_EQ(hostTypeCodes(path).type, 0U);
+    for (const std::string& broken : {"short"s, appleDouble("MPG3").substr(0, 56), std::string(200, '\xFF'),
+                                      appleDouble("MPG3").replace(24, 2, "\xFF\xFF").substr(0, 80)}) {
         folder.write("._old song", broken);
         (void)hostTypeCodes(path); // any bytes: an answer, no fault
     }
     folder.write("._old song", appleDouble("MPG3abcd"));
-    EXPECT_EQ(type(), fourCC("MPG3"));
     EXPECT_EQ(hostTypeCodes(path).creator, fourCC("abcd"));
-
-    const std::string info = sample::padded("WAVEmine", 32);
-    if (setxattr(path.c_str(), "user.com.apple.FinderInfo", info.data(), info.size(), 0) != 0) {
-        GTEST_SKIP() << "no extended attributes in the temporary folder";
-    }
-    EXPECT_EQ(type(), fourCC("WAVE"));
-    const std::string longer = sample::padded("AIFFmine", 33);
-    ASSERT_EQ(setxattr(path.c_str(), "user.com.apple.FinderInfo", longer.data(), longer.size(), 0), 0);
-    EXPECT_EQ(type(), fourCC("AIFF"));
     // An empty Finder info says nothing.
-    const std::string nothing(32, '\0');
-    ASSERT_EQ(setxattr(path.c_str(), "user.com.apple.FinderInfo", nothing.data(), nothing.size(), 0), 0);
-    EXPECT_EQ(type(), fourCC("MPG3"));
+    for (const auto& [info, expected] :
+         std::vector<std::pair<std::string, std::uint32_t>>{{padded("WAVEmine", 32), fourCC("WAVE")},
+                                                            {padded("AIFFmine", 33), fourCC("AIFF")},
+                                                            {std::string(32, '\0'), fourCC("MPG3")}}) {
+        if (setxattr(path.c_str(), "user.com.apple.FinderInfo", info.data(), info.size(), 0) != 0) {
+            GTEST_SKIP() << "no extended attributes in the temporary folder";
+        }
+        EXPECT_EQ(hostTypeCodes(path).type, expected);
+    }
 }
 
 } // namespace
