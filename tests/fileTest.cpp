@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include "engine/fileEngine.h"
-#include "engine/readCache.h"
 #include "platform/host/fileDescriptor.h"
 #include "platform/host/mountPoints.h"
-#include "tests/support/testFolder.h"
+#include "tests/support/readBytes.h"
 #include "text/stringEngine.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cerrno>
+#include <algorithm>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
-#include <utility>
 #include <vector>
 
 namespace sonarin {
@@ -25,179 +21,136 @@ namespace {
 
 std::string countedBytes(std::size_t size) {
     std::string content(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) {
-        content[i] = static_cast<char>(i % 251);
-    }
+    std::generate(content.begin(), content.end(), [i = 0]() mutable { return static_cast<char>(i++ % 251); });
     return content;
 }
 
-bool isOpen(std::int32_t refNum) {
-    return fcntl(refNum, F_GETFD) != -1;
+TEST(Cache, FillsItsBufferWhereAReadMisses) {
+    struct Read {
+        std::uint64_t position;
+        std::uint32_t count;
+        std::int32_t result;
+        std::uint32_t filled; ///< bytes in the buffer afterwards
+    };
+    // More as long as reads go on, and no less a little way back.
+    const std::vector<Read> growing = {
+        {0, 4096, 0, 4096},     {4094, 4, 0, 16384},  {4094 + 16384, 4, 0, 65536}, {86013, 4, 0, 65536},
+        {400000, 4, 0, 4096},   {408193, 4, 0, 4096}, {600000, 10000, 0, 10000},   {610001, 1, 0, 40000},
+        {100, 65536, 0, 65536}, {0, 4, 0, 65536},     {999990, 10, 0, 10}};
+    struct Case {
+        std::uint32_t bufferSize;
+        std::size_t fileSize, laterSize;
+        std::vector<Read> reads;
+    };
+    const std::string content = countedBytes(1000000);
+    for (const Case& c :
+         std::vector<Case>{{65536, 0, 0, {{0, 1, fileEofErr, 0}}},
+                           {65536, 1000, 1000, {{996, 4, 0, 1000}, {998, 4, fileEofErr, 2}, {1000, 0, 0, 2}}},
+                           {100, 1000, 1000, {{98, 4, 0, 100}, {960, 4, 0, 40}, {300, 100, 0, 100}}},
+                           // More than the buffer holds goes past it.
+                           {100, 1000, 1000, {{500, 101, 0, 100}, {950, 101, fileEofErr, 100}}},
+                           // What there was no longer fits when it is filled again.
+                           {100, 1000, 200, {{600, 4, fileEofErr, 0}, {150, 50, fileEofErr, 0}}},
+                           {65536, 1000000, 1000000, growing}}) {
+        OpenBytes file(content.substr(0, c.fileSize), c.bufferSize);
+        file.change(content.substr(0, c.laterSize));
+        for (const Read& read : c.reads) {
+            std::string bytes(read.count, '\0');
+            SCOPED_TRACE(read.position);
+            EXPECT_EQ(rcReadFromCache(&file.cache, read.position, read.count, bytes.data()), read.result);
+            EXPECT_TRUE(read.result != 0 || bytes == content.substr(read.position, read.count));
+            EXPECT_EQ(file.cache.validLength, read.filled);
+        }
+    }
 }
 
-/// A cache over a file of the test's own.
-class CacheTest : public testing::Test {
-protected:
-    std::int32_t open(const std::string& content, std::uint32_t size = rcStandardBufferSize) {
-        path_ = folder_.write("file", content);
-        return rcOpenCache(&cache, feOpenExistingDataFile(feMakePathText(path_), 0), size);
-    }
-    void TearDown() override { rcCloseCacheAndFile(&cache); }
-
-    std::string path_;
-    TestFolder folder_;
-    rcCacheRec cache;
-    std::array<char, 200> out{};
-};
-
-TEST_F(CacheTest, ServesReadsUpToTheFilesEnd) {
-    ASSERT_EQ(open(countedBytes(1000)), 0);
-    EXPECT_EQ(cache.bufferSize, 1000U);
-    EXPECT_EQ(rcReadFromCache(&cache, 996, 4, out.data()), 0);
-    EXPECT_EQ(out[3], static_cast<char>(999 % 251));
-    EXPECT_EQ(cache.bufferPos, 0U);
-    EXPECT_EQ(rcReadFromCache(&cache, 998, 4, out.data()), fileEofErr);
-    EXPECT_EQ(cache.bufferPos, 998U);
-    EXPECT_EQ(cache.validLength, 2U);
-    EXPECT_EQ(rcReadFromCache(&cache, 1000, 0, out.data()), 0);
+TEST(Cache, ServesNothingBehindTheEndOrOnceClosed) {
+    OpenBytes file(countedBytes(1000), 100);
+    rcCacheRec& cache = file.cache;
+    EXPECT_EQ(rcBytesInCache(&cache, 80, 10).size(), 20U);
+    EXPECT_TRUE(rcBytesInCache(&cache, 995, 6).empty());
+    std::uint32_t out = 0;
     constexpr std::uint64_t farthest = std::uint64_t{1} << 63U;
     for (const std::uint64_t position : {farthest - 5, farthest - 4, farthest, ~std::uint64_t{0} - 1}) {
-        EXPECT_EQ(rcReadFromCache(&cache, position, 4, out.data()), fileEofErr) << position;
-        EXPECT_EQ(rcReadPastCache(&cache, position, 4, out.data()), fileEofErr) << position;
-        EXPECT_FALSE(rcRangeIsInFile(cache, position, 4));
+        EXPECT_EQ(rcReadFromCache(&cache, position, 4, &out), fileEofErr) << position;
+        EXPECT_EQ(rcReadPastCache(&cache, position, 4, &out), fileEofErr) << position;
+        EXPECT_FALSE(rcRangeIsInFile(cache, position, 4)) << position;
     }
-    EXPECT_EQ(rcReadFromCache(&cache, 0, 4, out.data()), 0);
+    EXPECT_EQ(rcReadIntoCache(&cache, 0), 0);
+    EXPECT_EQ(cache.validLength, 100U);
     const std::int32_t refNum = cache.refNum;
     EXPECT_EQ(rcCloseCacheAndFile(&cache), 0);
-    EXPECT_FALSE(isOpen(refNum));
-    EXPECT_EQ(rcReadFromCache(&cache, 0, 4, out.data()), fileMemFullErr);
+    EXPECT_EQ(fcntl(refNum, F_GETFD), -1);
+    EXPECT_EQ(rcReadFromCache(&cache, 0, 4, &out), fileMemFullErr);
     EXPECT_EQ(rcReadIntoCache(&cache, 0), fileMemFullErr);
 }
 
-TEST_F(CacheTest, RefillsAtTheMissAndBypassesForMore) {
-    const std::string content = countedBytes(1000);
-    ASSERT_EQ(open(content, 100), 0);
-    EXPECT_EQ(rcReadFromCache(&cache, 98, 4, out.data()), 0); // starts inside, ends beyond
-    EXPECT_EQ(cache.bufferPos, 98U);
-    EXPECT_EQ(rcReadFromCache(&cache, 300, 100, out.data()), 0); // exactly the buffer
-    EXPECT_EQ(cache.bufferPos, 300U);
-    EXPECT_EQ(rcReadFromCache(&cache, 500, 101, out.data()), 0); // one more
-    EXPECT_EQ(cache.bufferPos, 300U);
-    EXPECT_EQ(std::string(out.data(), 101), content.substr(500, 101));
-    EXPECT_EQ(rcReadFromCache(&cache, 950, 101, out.data()), fileEofErr);
-    EXPECT_EQ(rcBytesInCache(&cache, 380, 10).size(), 20U);
-    EXPECT_TRUE(rcBytesInCache(&cache, 995, 6).empty());
-}
-
-TEST_F(CacheTest, FillsMoreAsLongAsReadsGoOn) {
-    const std::string content = countedBytes(1000000);
-    ASSERT_EQ(open(content), 0);
-    struct Step {
-        std::uint64_t position;
-        std::uint32_t count;
-        std::uint32_t filled;
-    };
-    std::string read(70000, '\0');
-    for (const Step& step : {Step{0, 4096, 4096},
-                             {4094, 4, 16384},
-                             {4094 + 16384, 4, 65536},
-                             {86013, 4, 65536},
-                             {400000, 4, 4096},
-                             {408193, 4, 4096},
-                             {600000, 10000, 10000},
-                             {610001, 1, 40000},
-                             {100, 65536, 65536},
-                             {0, 4, 65536}, // a little back
-                             {999990, 10, 10}}) {
-        ASSERT_EQ(rcReadFromCache(&cache, step.position, step.count, read.data()), 0) << step.position;
-        EXPECT_EQ(read.substr(0, step.count), content.substr(step.position, step.count)) << step.position;
-        EXPECT_EQ(cache.validLength, step.filled) << step.position;
-    }
-    EXPECT_EQ(rcReadIntoCache(&cache, 1000), 0);
-    EXPECT_EQ(cache.validLength, 4096U);
-    EXPECT_EQ(rcReadIntoCache(&cache, 1000 + 4096), 0);
-    EXPECT_EQ(cache.validLength, 16384U);
-}
-
-TEST_F(CacheTest, EndsWhenNobodyWantsIt) {
+TEST(Cache, EndsWhenNobodyWantsIt) {
+    OpenBytes file(countedBytes(500000));
     ReadProgress progress;
-    cache.progress = &progress;
-    std::vector<char> much(400000);
-    ASSERT_EQ(open(countedBytes(500000)), 0);
+    file.cache.progress = &progress;
+    std::string out(400000, '\0');
+    EXPECT_EQ(rcReadFromCache(&file.cache, 5000, 4, out.data()), 0);
     EXPECT_EQ(progress.position, 0U); // nothing that takes long
-    EXPECT_EQ(rcReadPastCache(&cache, 1000, 400000, much.data()), 0);
-    EXPECT_EQ(much[399999], static_cast<char>(400999 % 251));
+    EXPECT_EQ(rcReadPastCache(&file.cache, 1000, 400000, out.data()), 0);
+    EXPECT_EQ(out.back(), static_cast<char>(400999 % 251));
     EXPECT_EQ(progress.position, 1000U + 5 * rcStandardBufferSize);
     progress.isWanted = false;
-    EXPECT_EQ(rcReadPastCache(&cache, 0, 400000, much.data()), fileUnwantedErr);
-    EXPECT_EQ(rcReadFromCache(&cache, 100, 4, out.data()), 0); // is there
-    EXPECT_EQ(rcReadFromCache(&cache, 200000, 4, out.data()), fileUnwantedErr);
-    EXPECT_TRUE(rcBytesInCache(&cache, 200000, 4).empty());
+    EXPECT_EQ(rcReadPastCache(&file.cache, 0, 400000, out.data()), fileUnwantedErr);
+    EXPECT_EQ(rcReadFromCache(&file.cache, 5000, 4, out.data()), 0); // is there
+    EXPECT_EQ(rcReadFromCache(&file.cache, 200000, 4, out.data()), fileUnwantedErr);
+    EXPECT_TRUE(rcBytesInCache(&file.cache, 200000, 4).empty());
 }
 
-TEST_F(CacheTest, PassesOverHolesAndFourGibibytes) {
-    ASSERT_EQ(open("begins"), 0);
-    rcCloseCacheAndFile(&cache);
+TEST(Cache, PassesOverHolesAndFourGibibytes) {
     constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20U;
     constexpr std::uint64_t goesOn = 5000 * mebibyte;
-    std::filesystem::resize_file(path_, 6000 * mebibyte);
-    std::fstream(path_, std::ios::binary | std::ios::in | std::ios::out).seekp(goesOn) << "goes on";
-    ASSERT_EQ(rcOpenCache(&cache, feOpenExistingDataFile(feMakePathText(path_), 0), rcStandardBufferSize), 0);
-    EXPECT_EQ(rcPastHole(&cache, 3), 3U);
-    const std::uint64_t data = rcPastHole(&cache, mebibyte);
+    const TestFolder folder;
+    const std::string path = folder.write("file", "begins");
+    std::filesystem::resize_file(path, 6000 * mebibyte);
+    std::fstream(path, std::ios::binary | std::ios::in | std::ios::out).seekp(goesOn) << "goes on";
+    CachedFile file(text(path));
+    std::string read(7, '\0');
+    EXPECT_EQ(rcReadFromCache(file.cache(), goesOn, 7, read.data()), 0);
+    EXPECT_EQ(read, "goes on");
+    const std::uint64_t data = rcPastHole(file.cache(), mebibyte);
     EXPECT_GT(data, goesOn - mebibyte); // data comes in blocks, whose size is the file system's own
     EXPECT_LE(data, goesOn);
-    EXPECT_EQ(rcReadFromCache(&cache, goesOn, 7, out.data()), 0);
-    EXPECT_EQ(std::string(out.data(), 7), "goes on");
-    EXPECT_EQ(rcPastHole(&cache, data + 1), data + 1);
-    EXPECT_EQ(rcPastHole(&cache, 5500 * mebibyte), 6000 * mebibyte);
-    EXPECT_EQ(rcPastHole(&cache, mebibyte), data); // back again
-    EXPECT_EQ(rcPastHole(&cache, 6001 * mebibyte), 6001 * mebibyte);
-    EXPECT_EQ(rcPastHole(&cache, ~std::uint64_t{0}), ~std::uint64_t{0});
+    for (const auto& [from, to] : {std::pair(data + 1, data + 1),
+                                   {5500 * mebibyte, 6000 * mebibyte},
+                                   {mebibyte, data},
+                                   {3, 3},
+                                   {6001 * mebibyte, 6001 * mebibyte},
+                                   {~std::uint64_t{0}, ~std::uint64_t{0}}}) {
+        EXPECT_EQ(rcPastHole(file.cache(), from), to);
+    }
 }
 
-TEST_F(CacheTest, ReadsIntegersInBothOrders) {
+TEST(Cache, ReadsIntegersInBothOrders) {
+    using Integers = std::tuple<std::uint16_t, std::uint32_t, std::uint64_t>;
     struct Case {
         std::uint64_t position;
         std::int32_t order, result;
-        std::uint16_t two;
-        std::uint32_t four;
-        std::uint64_t eight;
+        Integers expected;
     };
-    ASSERT_EQ(open("RIFF\1\2\3\4"), 0);
-    for (const Case& c : {Case{0, rcByteOrderBig, 0, 0x5249, 0x52494646, 0x5249464601020304},
-                          {0, rcByteOrderLittle, 0, 0x4952, 0x46464952, 0x0403020146464952},
-                          {0, 0, 0, 9, 9, 9},
-                          {7, rcByteOrderBig, fileEofErr, 9, 9, 9}}) {
-        std::uint16_t two = 9;
-        std::uint32_t four = 9;
-        std::uint64_t eight = 9;
-        EXPECT_EQ(rcReadUInt16FromCache(&cache, c.position, c.order, &two), c.result);
-        EXPECT_EQ(rcReadUInt32FromCache(&cache, c.position, c.order, &four), c.result);
-        EXPECT_EQ(rcReadUInt64FromCache(&cache, c.position, c.order, &eight), c.result);
-        EXPECT_EQ(std::tuple(two, four, eight), std::tuple(c.two, c.four, c.eight)) << c.order;
+    OpenBytes file("RIFF\1\2\3\4");
+    for (const Case& c : {Case{0, rcByteOrderBig, 0, {0x5249, 0x52494646, 0x5249464601020304}},
+                          {0, rcByteOrderLittle, 0, {0x4952, 0x46464952, 0x0403020146464952}},
+                          {0, 0, 0, {9, 9, 9}},
+                          {7, rcByteOrderBig, fileEofErr, {9, 9, 9}}}) {
+        Integers read(9, 9, 9);
+        EXPECT_EQ(rcReadUInt16FromCache(&file.cache, c.position, c.order, &std::get<0>(read)), c.result);
+        EXPECT_EQ(rcReadUInt32FromCache(&file.cache, c.position, c.order, &std::get<1>(read)), c.result);
+        EXPECT_EQ(rcReadUInt64FromCache(&file.cache, c.position, c.order, &std::get<2>(read)), c.result);
+        EXPECT_EQ(read, c.expected) << c.order;
     }
 }
 
-TEST_F(CacheTest, HoldsACharacterUnlessTheFileIsShorter) {
+TEST(Cache, HoldsACharacterUnlessTheFileIsShorter) {
     for (const auto& [fileSize, asked, given] :
          {std::tuple(1U, 65536U, 1U), {3U, 1U, 3U}, {1000U, 1U, 4U}, {1000U, 3U, 4U}, {1000U, 5U, 5U}}) {
-        ASSERT_EQ(open(countedBytes(fileSize), asked), 0);
-        EXPECT_EQ(cache.bufferSize, given);
-        rcCloseCacheAndFile(&cache);
+        EXPECT_EQ(OpenBytes(countedBytes(fileSize), asked).cache.bufferSize, given) << asked;
     }
-}
-
-TEST_F(CacheTest, KnowsEmptyAndShrinkingFiles) {
-    ASSERT_EQ(open(""), 0);
-    EXPECT_EQ(rcReadFromCache(&cache, 0, 1, out.data()), fileEofErr);
-    rcCloseCacheAndFile(&cache);
-
-    ASSERT_EQ(open(countedBytes(1000), 100), 0);
-    ASSERT_EQ(truncate(path_.c_str(), 200), 0);
-    EXPECT_EQ(rcReadFromCache(&cache, 600, 4, out.data()), fileEofErr);
-    EXPECT_EQ(cache.validLength, 0U);
-    EXPECT_EQ(rcReadFromCache(&cache, 150, 50, out.data()), fileEofErr); // its refill no longer fits
 }
 
 TEST(Files, AreOpenedOnlyWhenTheyAreFiles) {
@@ -209,44 +162,35 @@ TEST(Files, AreOpenedOnlyWhenTheyAreFiles) {
         rcCacheRec cache;
         EXPECT_EQ(rcOpenCache(&cache, refNum, rcStandardBufferSize), feHostError(EINVAL));
         EXPECT_EQ(rcCloseCacheAndFile(&cache), 0);
-        EXPECT_FALSE(isOpen(refNum)) << path;
+        EXPECT_EQ(fcntl(refNum, F_GETFD), -1) << path;
     }
-    EXPECT_EQ(feOpenExistingDataFile(text(folder.path("missing")), 0), 0);
-    EXPECT_EQ(feOpenExistingDataFile(text(""), 0), 0);
-    EXPECT_EQ(feOpenExistingDataFile(SvxStringGetEmpty(), 0), 0);
-}
-
-TEST(Files, AreOpenedForWritingWhenAsked) {
-    const TestFolder folder;
-    const SvxStringRef path = text(folder.write("file", "x"));
-    for (const auto& [writeAccess, mode] : {std::pair(0, O_RDONLY), {1, O_RDWR}, {2, O_RDONLY}}) {
-        const std::int32_t refNum = feOpenExistingDataFile(path, writeAccess);
-        EXPECT_EQ(fcntl(refNum, F_GETFL) & O_ACCMODE, mode) << writeAccess;
-        feCloseFile(refNum);
+    for (const SvxStringRef& none : {text(folder.path("missing")), text(""), SvxStringRef()}) {
+        EXPECT_EQ(feOpenExistingDataFile(none, 0), 0);
     }
 }
 
-TEST(Files, AreAskedAgainWhenASignalInterrupts) {
-    for (const auto& [error, expected] : {std::pair(EINTR, 7), {ENOENT, -1}}) {
-        int calls = 0;
-        EXPECT_EQ(uninterrupted([&calls, cause = error] {
-                      errno = cause;
-                      return ++calls < 3 ? -1 : 7;
-                  }),
-                  expected);
-    }
-}
-
-TEST(Files, NeverGetNumberZero) {
+TEST(Files, AreOpenedForWritingWhenAskedAndNeverAsNumberZero) {
     const TestFolder folder;
     const SvxStringRef path = text(folder.write("file", "x"));
     const int standardInput = dup(0);
     close(0);
-    const std::int32_t refNum = feOpenExistingDataFile(path, 0);
-    EXPECT_GT(refNum, 0);
-    feCloseFile(refNum);
+    for (const auto& [writeAccess, mode] : {std::pair(0, O_RDONLY), {1, O_RDWR}, {2, O_RDONLY}}) {
+        const std::int32_t refNum = feOpenExistingDataFile(path, writeAccess);
+        EXPECT_GT(refNum, 0);
+        EXPECT_EQ(fcntl(refNum, F_GETFL) & O_ACCMODE, mode) << writeAccess;
+        feCloseFile(refNum);
+    }
     dup2(standardInput, 0);
     close(standardInput);
+}
+
+TEST(Files, AreAskedAgainWhenASignalInterrupts) {
+    int calls = 0;
+    const auto everyThirdWorks = [&calls] { return ++calls % 3 == 0 ? 7 : -1; };
+    errno = EINTR;
+    EXPECT_EQ(uninterrupted(everyThirdWorks), 7);
+    errno = ENOENT;
+    EXPECT_EQ(uninterrupted(everyThirdWorks), -1);
 }
 
 TEST(Paths, ComeBackAsTheyWere) {
@@ -259,8 +203,8 @@ TEST(Paths, ComeBackAsTheyWere) {
     for (const char16_t* none : {u"", u"a\xD800", u"a\xDC7F", u"a\xDD00"}) {
         EXPECT_EQ(feMakeFSRefFromPath(SvxStringFromUTF16(none), &ref), feHostError(ENOENT));
     }
-    EXPECT_EQ(feMakeFSRefFromPath(SvxStringGetEmpty(), &ref), feHostError(ENOENT));
-    EXPECT_EQ(feMakeFSRefFromPath(SvxStringFromUTF8(std::string("a\0b", 3)), &ref), 0);
+    EXPECT_EQ(feMakeFSRefFromPath(nullptr, &ref), feHostError(ENOENT));
+    EXPECT_EQ(feMakeFSRefFromPath(SvxStringFromUTF16({u"a\0b", 3}), &ref), 0);
     EXPECT_EQ(ref.path, "a");
 }
 
