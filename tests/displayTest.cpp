@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <set>
 #include <vector>
 
@@ -22,29 +23,20 @@ namespace sonarin {
 namespace {
 
 TEST(Display, FormatsSizesAtTheirUnitBoundaries) {
-    struct Case {
-        std::uint64_t bytes;
-        const char* english;
-        const char* german;
-    };
-    const std::vector<Case> cases = {{0, "0.0 KB", "0,0 KB"},
-                                     {500, "0.5 KB", "0,5 KB"},
-                                     {1023, "1.0 KB", "1,0 KB"},
-                                     {1048576, "1,024.0 KB", "1.024,0 KB"},
-                                     {1049599, "1,025.0 KB", "1.025,0 KB"},
-                                     {1049600, "1.0 MB", "1,0 MB"},
-                                     {5000000, "4.8 MB", "4,8 MB"},
-                                     {1073742847, "1,024.0 MB", "1.024,0 MB"},
-                                     {1073742848, "1.0 GB", "1,0 GB"},
-                                     {1099511628799, "1,024.0 GB", "1.024,0 GB"},
-                                     {1099511628800, "1.0 TB", "1,0 TB"},
-                                     {~std::uint64_t{0}, "16,777,216.0 TB", "16.777.216,0 TB"}};
-    for (const Case& c : cases) {
-        startUpIn("en_US.UTF-8");
-        EXPECT_EQ(plain(SvxStringMakeSizeString(c.bytes)), c.english);
-        startUpIn("de_DE.UTF-8");
-        EXPECT_EQ(plain(SvxStringMakeSizeString(c.bytes)), c.german);
-    }
+    const std::vector<std::uint64_t> sizes = {0,          500,           1023,          1048576,
+                                              1049599,    1049600,       5000000,       1073742847,
+                                              1073742848, 1099511628799, 1099511628800, ~std::uint64_t{0}};
+    startUpIn("en_US.UTF-8");
+    EXPECT_EQ(joined(sizes, SvxStringMakeSizeString),
+              "0.0 KB|0.5 KB|1.0 KB|1,024.0 KB|1,025.0 KB|1.0 MB|4.8 MB|1,024.0 MB|1.0 GB|1,024.0 GB|1.0 "
+              "TB|16,777,216.0 TB|");
+    startUpIn("de_DE.UTF-8");
+    EXPECT_EQ(joined(sizes, SvxStringMakeSizeString),
+              "0,0 KB|0,5 KB|1,0 KB|1.024,0 KB|1.025,0 KB|1,0 MB|4,8 MB|1.024,0 MB|1,0 GB|1.024,0 GB|1,0 "
+              "TB|16.777.216,0 TB|");
+}
+
+TEST(Display, FormatsNumbersAsTheUserDoes) {
     startUpIn("fr_FR.UTF-8");
     EXPECT_EQ(plain(SvxMakeFloatingFractionString(1024)), "1\u202F024,0");
     UErrorCode status = U_ZERO_ERROR;
@@ -52,28 +44,14 @@ TEST(Display, FormatsSizesAtTheirUnitBoundaries) {
     startUpIn("xx_YY.UTF-8");
     EXPECT_EQ(plain(SvxMakeFloatingFractionString(1024)), "1,024.0");
     startUpIn("C");
-    EXPECT_EQ(plain(SvxMakeFloatingFractionString(0.25)), "0.2"); // half to even
-    EXPECT_EQ(plain(SvxMakeFloatingFractionString(0.75)), "0.8");
-    EXPECT_EQ(plain(SvxMakeFloatingFractionString(-0.0)), "-0.0");
-    EXPECT_EQ(plain(SvxMakeFloatingFractionString(0.0)), "0.0");
+    EXPECT_EQ(joined<double>({0.25, 0.75, -0.0, 0.0}, SvxMakeFloatingFractionString),
+              "0.2|0.8|-0.0|0.0|"); // half to even
 }
 
 TEST(Display, FormatsDurations) {
-    struct Case {
-        std::uint32_t seconds;
-        const char* expected;
-    };
-    for (const Case& c : std::vector<Case>{{0, "0:00"},
-                                           {59, "0:59"},
-                                           {61, "1:01"},
-                                           {600, "10:00"},
-                                           {3600, "60:00"},
-                                           {3601, "1:00:01"},
-                                           {65535, "18:12:15"}}) {
-        EXPECT_EQ(plain(SvxStringMakeDurationString(c.seconds)), c.expected);
-    }
-    EXPECT_EQ(plain(SvxStringMakePaddedNumberString(9)), "09");
-    EXPECT_EQ(plain(SvxStringMakePaddedNumberString(123)), "123");
+    EXPECT_EQ(joined<std::uint32_t>({0, 59, 61, 600, 3600, 3601, 65535}, SvxStringMakeDurationString),
+              "0:00|0:59|1:01|10:00|60:00|1:00:01|18:12:15|");
+    EXPECT_EQ(joined<std::uint32_t>({9, 123}, SvxStringMakePaddedNumberString), "09|123|");
 }
 
 TEST(Display, FollowsTheLocaleVariables) {
@@ -90,40 +68,33 @@ TEST(Display, FollowsTheLocaleVariables) {
     EXPECT_EQ(userNumberLocale(), "de_AT");
 }
 
-/// The keys of a language's table that have a text.
-std::set<std::string> keysOf(const std::string& language) {
-    std::ifstream file(gCFBundleRef.load()->folder() + "/" + language + ".lproj/Localizable.strings");
-    const std::string content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    std::set<std::string> keys;
-    for (const auto& [key, text] : parseStringsFile(content)) {
-        if (!text.empty()) {
-            keys.insert(key);
-        }
-    }
-    return keys;
-}
-
 TEST(LocalizedStrings, AreCompleteInEveryLanguage) {
     startUpIn("C");
-    const StringBundle* const own = gCFBundleRef;
-    ASSERT_NE(own, nullptr);
-    const auto english = keysOf("en");
-    ASSERT_EQ(english.size(), 192 + 4);
-    for (const std::string language : {"de", "fr", "ja"}) {
-        EXPECT_EQ(keysOf(language), english) << language;
-        const StringBundle bundle(own->folder(), language);
-        EXPECT_EQ(plain(bundle.localizedString("STR#1001:47", "Localizable")), "STR#1001:47");
-        EXPECT_EQ(plain(bundle.localizedString("STR#1001:46", "NoSuchTable")), "STR#1001:46");
+    const std::string folder = gCFBundleRef.load()->folder();
+    std::map<std::string, std::set<std::string>> keys; ///< that have a text
+    for (const std::string language : {"en", "de", "fr", "ja"}) {
+        std::ifstream file(folder + "/" + language + ".lproj/Localizable.strings");
+        const std::string content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        for (const auto& [key, text] : parseStringsFile(content)) {
+            if (!text.empty()) {
+                keys[language].insert(key);
+            }
+        }
+        EXPECT_EQ(keys[language], keys["en"]) << language;
     }
+    ASSERT_EQ(keys["en"].size(), 192 + 4);
     for (int genre = 1; genre <= 192; ++genre) {
-        EXPECT_EQ(english.count("STR#513:" + std::to_string(genre)), 1) << genre;
+        EXPECT_EQ(keys["en"].count("STR#513:" + std::to_string(genre)), 1) << genre;
     }
-    const StringBundle german(own->folder(), "de");
+    const StringBundle german(folder, "de");
+    const StringBundle unknown(folder, "xx");
     EXPECT_EQ(plain(german.localizedString("STR#513:33", "Localizable")), "Klassik");
-    const StringBundle unknown(own->folder(), "xx");
+    EXPECT_EQ(plain(german.localizedString("STR#1001:47", "Localizable")), "STR#1001:47");
+    EXPECT_EQ(plain(german.localizedString("STR#1001:46", "NoSuchTable")), "STR#1001:46");
     EXPECT_EQ(plain(unknown.localizedString("STR#513:33", "Localizable")), "Classical");
-    EXPECT_EQ(plain(iuGetIndCFString(513, -1)), "STR#513:-1");
-    EXPECT_EQ(plain(SvxStringGetFromTable(513, 18)), "Rock");
+    EXPECT_EQ(
+        joined<std::int16_t>({-1, 18}, [](std::int16_t index) { return SvxStringGetFromTable(513, index); }),
+        "STR#513:-1|Rock|");
 }
 
 TEST(LocalizedStrings, ComeFromTheBundleThatWasAskedForLast) {
@@ -153,16 +124,14 @@ TEST(LocalizedStrings, ParseTheirSyntax) {
 }
 
 TEST(HFSNames, AreCutAt255Units) {
-    const std::string nearlyFull(254, 'a');
     HFSUniStr255 name;
-    for (const auto& [value, units] : std::vector<std::pair<SvxStringRef, std::u16string>>{
-             {text(nearlyFull + "🎵"), std::u16string(254, u'a') + u'\xD83C'},
-             {text(nearlyFull + "é"), std::u16string(254, u'a') + u'é'},
-             {text("né日"), u"né日"},
-             {SvxStringGetEmpty(), u""}}) {
-        utMakeHFSStringFromCFString(value, &name);
-        EXPECT_EQ(name.view(), units);
+    for (const std::u16string& units :
+         {std::u16string(254, u'a') + u"🎵", std::u16string(254, u'a') + u"é", std::u16string(u"né日")}) {
+        utMakeHFSStringFromCFString(SvxStringFromUTF16(units), &name);
+        EXPECT_EQ(name.view(), units.substr(0, 255));
     }
+    utMakeHFSStringFromCFString(nullptr, &name);
+    EXPECT_EQ(name.view(), u"");
 }
 
 } // namespace
