@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/host/fileDescriptor.h"
 #include "platform/host/mountPoints.h"
+#include "platform/host/renameItem.h"
 #include "tests/support/readBytes.h"
+#include "tests/support/sampleBytes.h"
 #include "text/stringEngine.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
+#include <thread>
 #include <tuple>
 #include <unistd.h>
 #include <vector>
@@ -18,6 +21,9 @@
 namespace sonarin {
 
 namespace {
+
+namespace fs = std::filesystem;
+using sample::bytes;
 
 std::string countedBytes(std::size_t size) {
     std::string content(size, '\0');
@@ -107,7 +113,7 @@ TEST(Cache, PassesOverHolesAndFourGibibytes) {
     constexpr std::uint64_t goesOn = 5000 * mebibyte;
     const TestFolder folder;
     const std::string path = folder.write("file", "begins");
-    std::filesystem::resize_file(path, 6000 * mebibyte);
+    fs::resize_file(path, 6000 * mebibyte);
     std::fstream(path, std::ios::binary | std::ios::in | std::ios::out).seekp(goesOn) << "goes on";
     CachedFile file(text(path));
     std::string read(7, '\0');
@@ -128,21 +134,18 @@ TEST(Cache, PassesOverHolesAndFourGibibytes) {
 
 TEST(Cache, ReadsIntegersInBothOrders) {
     using Integers = std::tuple<std::uint16_t, std::uint32_t, std::uint64_t>;
-    struct Case {
-        std::uint64_t position;
-        std::int32_t order, result;
-        Integers expected;
-    };
+    using Case = std::tuple<std::uint64_t, std::int32_t, std::int32_t, Integers>;
     OpenBytes file("RIFF\1\2\3\4");
-    for (const Case& c : {Case{0, rcByteOrderBig, 0, {0x5249, 0x52494646, 0x5249464601020304}},
-                          {0, rcByteOrderLittle, 0, {0x4952, 0x46464952, 0x0403020146464952}},
-                          {0, 0, 0, {9, 9, 9}},
-                          {7, rcByteOrderBig, fileEofErr, {9, 9, 9}}}) {
+    for (const auto& [position, order, result, expected] :
+         {Case{0, rcByteOrderBig, 0, {0x5249, 0x52494646, 0x5249464601020304}},
+          {0, rcByteOrderLittle, 0, {0x4952, 0x46464952, 0x0403020146464952}},
+          {0, 0, 0, {9, 9, 9}},
+          {7, rcByteOrderBig, fileEofErr, {9, 9, 9}}}) {
         Integers read(9, 9, 9);
-        EXPECT_EQ(rcReadUInt16FromCache(&file.cache, c.position, c.order, &std::get<0>(read)), c.result);
-        EXPECT_EQ(rcReadUInt32FromCache(&file.cache, c.position, c.order, &std::get<1>(read)), c.result);
-        EXPECT_EQ(rcReadUInt64FromCache(&file.cache, c.position, c.order, &std::get<2>(read)), c.result);
-        EXPECT_EQ(read, c.expected) << c.order;
+        EXPECT_EQ(rcReadUInt16FromCache(&file.cache, position, order, &std::get<0>(read)), result);
+        EXPECT_EQ(rcReadUInt32FromCache(&file.cache, position, order, &std::get<1>(read)), result);
+        EXPECT_EQ(rcReadUInt64FromCache(&file.cache, position, order, &std::get<2>(read)), result);
+        EXPECT_EQ(read, expected) << order;
     }
 }
 
@@ -209,10 +212,9 @@ TEST(Paths, ComeBackAsTheyWere) {
 }
 
 TEST(Paths, HaveALastComponent) {
-    for (const auto& [path, name] : std::vector<std::pair<std::string, std::string>>{
-             {"/a/b.mp3", "b.mp3"}, {"b", "b"}, {"/a/b//", "b"}, {"/", "/"}, {"//", "/"}, {"", ""}}) {
-        EXPECT_EQ(plain(feLastPathComponent(text(path))), name) << path;
-    }
+    EXPECT_EQ(joined<std::string>({"/a/b.mp3", "b", "/a/b//", "/", "//", ""},
+                                  [](const std::string& path) { return feLastPathComponent(text(path)); }),
+              "b.mp3|b|b|/|/||");
 }
 
 TEST(MountPoints, AreFoundByTheWholeNamesOfFolders) {
@@ -224,6 +226,77 @@ TEST(MountPoints, AreFoundByTheWholeNamesOfFolders) {
         EXPECT_EQ(mountPointOf(path, points), point) << path;
     }
     EXPECT_EQ(mountPointOf("/proc/self/mountinfo", hostMountPoints()), "/proc");
+}
+
+std::int32_t rename(const std::string& path, const SvxStringRef& name) {
+    FSRef renamed;
+    const std::int32_t result = feRenameFolder({path}, name, &renamed);
+    EXPECT_EQ(result == 0, fs::exists(renamed.path) && !renamed.path.empty());
+    return result;
+}
+
+TEST(Rename, TakesTheNameExactlyOrNotAtAll) {
+    const TestFolder folder;
+    const std::string path = folder.write("old", "content");
+    folder.write("taken", "precious");
+    for (const SvxStringRef& name : {text(""), SvxStringRef(), text("."), text(".."), text("a/b"),
+                                     text("../x"), text("/x"), text(bytes("\0")), text(bytes("tak\0en")),
+                                     SvxStringFromUTF16({u"a\xD800"}), SvxStringFromUTF16({u"a\xDCFF"})}) {
+        EXPECT_NE(rename(path, name), 0) << plain(name);
+        EXPECT_TRUE(fs::exists(path)) << plain(name);
+    }
+    fs::create_directory(folder.path("folder"));
+    std::string accents;
+    for (int i = 0; i < 200; ++i) {
+        accents += "\xC3\xA9"; // 200 units, but 400 bytes, which the disk refuses
+    }
+    for (const auto& [from, to, result] : std::vector<std::tuple<std::string, std::string, std::int32_t>>{
+             {"old", "taken", feHostError(EEXIST)},
+             {"missing", "x", feHostError(ENOENT)},
+             {"old", " new name ", 0}, // nothing is trimmed
+             {" new name ", " New Name ", 0},
+             {" New Name ", bytes("Without\0 end\0"), 0},
+             {"Without end", std::string(300, 'n'), 0},
+             {std::string(255, 'n'), accents, feHostError(ENAMETOOLONG)},
+             {"folder/", "né日", 0},
+             {"né日", std::string(254, 'n') + "🎵", feHostError(EINVAL)}, // of which half a pair is left
+             {"né日", "other", 0},
+             {"other", "taken", feHostError(EEXIST)}}) {
+        EXPECT_EQ(rename(folder.path(from), text(to)), result) << from;
+    }
+    EXPECT_EQ(fs::file_size(folder.path(std::string(255, 'n'))), 7U);
+    EXPECT_EQ(fs::file_size(folder.path("taken")), 8U);
+}
+
+TEST(Rename, ReplacesNothingWhereTheDiskCannotTell) {
+    const TestFolder folder;
+    folder.write("old", "content");
+    folder.write("taken", "precious");
+    fs::create_directory(folder.path("a"));
+    fs::create_directory(folder.path("b"));
+    for (const auto& [from, to, error] :
+         {std::tuple("old", "taken", EEXIST), {"old", "new", 0}, {"a", "b", EEXIST}, {"a", "c", 0}}) {
+        EXPECT_EQ(renameItemByLink(folder.path(from), folder.path(to)), error) << from << to;
+        EXPECT_EQ(fs::exists(folder.path(from)), error != 0);
+    }
+    EXPECT_EQ(fs::file_size(folder.path("new")), 7U);
+}
+
+/// Several programs want the same name at the same moment: one gets it, and no file is lost.
+TEST(Rename, LosesNoFileInARace) {
+    for (int round = 0; round < 200; ++round) {
+        const TestFolder folder;
+        const std::string target = folder.path("target");
+        std::vector<std::jthread> racers;
+        for (const std::string name : {"a", "b", "c", "d"}) {
+            racers.emplace_back([&target, byLink = name < "c", path = folder.write(name, name)] {
+                (void)(byLink ? renameItemByLink(path, target) : renameItem(path, target, false));
+            });
+        }
+        racers.clear(); // waits for them
+        ASSERT_EQ(std::distance(fs::directory_iterator(folder.path("")), fs::directory_iterator()), 4);
+        ASSERT_TRUE(fs::exists(target));
+    }
 }
 
 } // namespace

@@ -1,17 +1,28 @@
 // SPDX-License-Identifier: MIT
+#include "app/shownFile.h"
 #include "tests/support/sampleBytes.h"
 #include "tests/support/testFolder.h"
 #include "text/CMMCoreFunctions.h"
+#include "text/displayFormat.h"
+#include "text/stringBundle.h"
 #include "text/stringEngine.h"
+#include "text/stringsFile.h"
 #include "text/textDecoding.h"
 #include "text/textSearch.h"
+#include "text/userLocale.h"
 #include "text/utf8Form.h"
 
 #include <gtest/gtest.h>
+#include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <set>
 #include <tuple>
 #include <vector>
 
@@ -24,7 +35,6 @@ using sample::bytes;
 TEST(TextValue, TellsAbsentFromEmpty) {
     SvxStringRef field = text("x");
     SvxStringRef kept = field;
-    EXPECT_EQ(SvxStringRelease(&field), 0);
     EXPECT_EQ(SvxStringRelease(&field), 0);
     EXPECT_EQ(plain(kept), "x");
     uCFRelease(&kept);
@@ -42,14 +52,15 @@ TEST(TextValue, DecodesBytes) {
     EXPECT_EQ(joined<std::string>({"\x8A\xDB\xF0", bytes("a\0b"), "\xDE\xDF"}, SvxStringFromCString),
               bytes("ä€\xEF\xA3\xBF|a\0b|\xEF\xAC\x81\xEF\xAC\x82|"));
     EXPECT_EQ(plain(SvxStringFromLatin1("\xE9")), "é");
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {"\xC3\xA9", "é"},
-        {"\xF0\x9F\x8E\xB5", "🎵"},
-        {"\xE9", "È"}, // Mac OS Roman
-        {"\xED\xA0\x80", "Ì†Ä"},
-        {"\xC0\xAF", "¿Ø"},                 // neither a surrogate nor an overlong form is UTF-8
-        {"\xEF\xBB\xBFx", "\xEF\xBB\xBFx"}, // a byte-order mark stays
-        {std::string(100, 'a') + "\xE2\x82", std::string(100, 'a') + "‚Ç"}};
+    const std::string longest(100, 'a');
+    // What is no UTF-8, such as a surrogate or an overlong form, is Mac OS Roman; a byte-order mark stays.
+    const std::vector<std::pair<std::string, std::string>> cases = {{"\xC3\xA9", "é"},
+                                                                    {"\xF0\x9F\x8E\xB5", "🎵"},
+                                                                    {"\xE9", "È"},
+                                                                    {"\xED\xA0\x80", "Ì†Ä"},
+                                                                    {"\xC0\xAF", "¿Ø"},
+                                                                    {"\xEF\xBB\xBFx", "\xEF\xBB\xBFx"},
+                                                                    {longest + "\xE2\x82", longest + "‚Ç"}};
     for (const auto& [given, expected] : cases) {
         EXPECT_EQ(plain(SvxStringFromUTF8(given)), expected);
     }
@@ -68,34 +79,32 @@ TEST(TextValue, HandsOutUnitsAndRangesWithinTheTextAlone) {
     }
 }
 
-/// Delivers three to six bytes at a time, and can change or fail between the two passes.
+/// Delivers four to six bytes at a time, and others when it is read again.
 class Drip : public SvxByteSource {
 public:
-    explicit Drip(std::string bytes) : bytes_(std::move(bytes)) {}
-    std::string later;
-    [[nodiscard]] std::uint64_t size() const noexcept override { return bytes_.size(); }
+    Drip(std::string first, std::string later) : now_(std::move(first)), later_(std::move(later)) {}
+    [[nodiscard]] std::uint64_t size() const noexcept override { return now_.size(); }
     [[nodiscard]] std::string_view pieceAt(std::uint64_t position) noexcept override {
-        const std::string& now = position == 0 && passes_++ > 0 && !later.empty() ? (bytes_ = later) : bytes_;
-        return std::string_view(now).substr(std::min<std::size_t>(position, now.size()), 4 + position % 3);
+        if (position == 0 && passes_++ > 0) {
+            now_ = later_;
+        }
+        return std::string_view(now_).substr(std::min<std::size_t>(position, now_.size()), 4 + position % 3);
     }
 
 private:
-    std::string bytes_;
+    std::string now_, later_;
     int passes_ = 0;
 };
 
 TEST(TextValue, DecodesPieces) {
     for (const std::string content : {"plain text", "größer als 🎵🎵 und € mehr", "日本語のテキスト"}) {
-        Drip source(content);
+        Drip source(content, content);
         EXPECT_EQ(plain(SvxStringFromSource(SvxEncoding::utf8, source)), content);
     }
     // A file that changes between the passes must not be written past the storage measured for it.
-    Drip shrinks("0123456789");
-    shrinks.later = "01";
+    Drip shrinks("0123456789", "01");
     EXPECT_FALSE(SvxStringFromSource(SvxEncoding::ascii, shrinks));
-    Drip widens("0123456789");
-    widens.later = "0123\xE2\x82\xAC"
-                   "89x";
+    Drip widens("0123456789", "0123€89x");
     EXPECT_FALSE(SvxStringFromSource(SvxEncoding::utf8, widens));
 }
 
@@ -106,28 +115,20 @@ TEST(TextValue, FindsUnderCanonicalEquivalenceAndCase) {
         bool caseSensitive;
         int expected;
     };
+    const std::string many(90, 'i');
+    const std::string longest(280, 'a');
     // Positions count the units as stored, no character is taken apart, and U+212A is the Kelvin sign.
     const std::vector<Case> cases = {
-        {"3/12", "/", 0, true, 1},
-        {"xxITUNNORMx", "iTunNORM", 0, false, 2},
-        {"12", "/", 0, true, -1},
-        {"xxITUNNORMx", "iTunNORM", 0, true, -1},
-        {"a/b/c", "/", 2, true, 3},
-        {"un café noir", "cafe\u0301", 0, true, 3},
-        {"abc", "c", 3, true, -1},
-        {"un cafe\u0301 noir", "CAFÉ", 0, false, 3},
-        {"abc", "", 0, true, -1},
-        {"e\u0301 noir", "NOIR", 0, false, 3},
-        {"café", "e", 0, true, -1},
-        {"cafe\u0301", "e", 0, true, -1},
-        {"groß", "SS", 0, false, 3},
-        {"STRASSE", "straße", 0, false, 0},
-        {"groß", "s", 0, false, -1},
-        {"10 \u212Am", "km", 0, false, 3},
-        {"가", "\u1100", 0, true, -1},
-        {std::string(90, 'i') + "itUN" + std::string(90, 'n'), "iTun", 0, false, 90},
-        {"日" + std::string(90, 'i') + "itUN", "iTun", 0, false, 91},
-        {std::string(300, 'a') + "b", std::string(280, 'a') + "b", 0, true, 20}};
+        {"3/12", "/", 0, true, 1},         {"xxITUNNORMx", "iTunNORM", 0, false, 2},
+        {"12", "/", 0, true, -1},          {"xxITUNNORMx", "iTunNORM", 0, true, -1},
+        {"a/b/c", "/", 2, true, 3},        {"un café noir", "cafe\u0301", 0, true, 3},
+        {"abc", "c", 3, true, -1},         {"un cafe\u0301 noir", "CAFÉ", 0, false, 3},
+        {"abc", "", 0, true, -1},          {"e\u0301 noir", "NOIR", 0, false, 3},
+        {"café", "e", 0, true, -1},        {"cafe\u0301", "e", 0, true, -1},
+        {"groß", "SS", 0, false, 3},       {"STRASSE", "straße", 0, false, 0},
+        {"groß", "s", 0, false, -1},       {many + "itUN" + many, "iTun", 0, false, 90},
+        {"가", "\u1100", 0, true, -1},     {"日" + many + "itUN", "iTun", 0, false, 91},
+        {"10 \u212Am", "km", 0, false, 3}, {many + longest + "b", longest + "b", 0, true, 90}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.text + " / " + c.needle);
         EXPECT_EQ(SvxStringPosition(text(c.text), text(c.needle), c.start, c.caseSensitive), c.expected);
@@ -235,6 +236,106 @@ TEST(TextValue, MakesNewTexts) {
     SvxStringAppendAfterBlank(&joined, joined);
     EXPECT_EQ(plain(joined), "a b 日 c a b 日 c");
     EXPECT_EQ(plain(shared), "a"); // a text that somebody else holds never changes
+}
+
+TEST(Display, FormatsSizesAtTheirUnitBoundaries) {
+    const std::vector<std::uint64_t> sizes = {0,          500,           1023,          1048576,
+                                              1049599,    1049600,       5000000,       1073742847,
+                                              1073742848, 1099511628799, 1099511628800, ~std::uint64_t{0}};
+    startUpIn("en_US.UTF-8");
+    EXPECT_EQ(joined(sizes, SvxStringMakeSizeString),
+              "0.0 KB|0.5 KB|1.0 KB|1,024.0 KB|1,025.0 KB|1.0 MB|4.8 MB|1,024.0 MB|1.0 GB|1,024.0 GB|1.0 "
+              "TB|16,777,216.0 TB|");
+    startUpIn("de_DE.UTF-8");
+    EXPECT_EQ(joined(sizes, SvxStringMakeSizeString),
+              "0,0 KB|0,5 KB|1,0 KB|1.024,0 KB|1.025,0 KB|1,0 MB|4,8 MB|1.024,0 MB|1,0 GB|1.024,0 GB|1,0 "
+              "TB|16.777.216,0 TB|");
+}
+
+TEST(Display, FormatsNumbersAsTheUserDoes) {
+    startUpIn("fr_FR.UTF-8");
+    EXPECT_EQ(plain(SvxMakeFloatingFractionString(1024)), "1\u202F024,0");
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale::setDefault(icu::Locale::getRoot(), status); // which a program that starts with that has
+    startUpIn("xx_YY.UTF-8");
+    EXPECT_EQ(plain(SvxMakeFloatingFractionString(1024)), "1,024.0");
+    startUpIn("C");
+    EXPECT_EQ(joined<double>({0.25, 0.75, -0.0, 0.0}, SvxMakeFloatingFractionString),
+              "0.2|0.8|-0.0|0.0|"); // half to even
+}
+
+TEST(Display, FormatsDurations) {
+    EXPECT_EQ(joined<std::uint32_t>({0, 59, 61, 600, 3600, 3601, 65535}, SvxStringMakeDurationString),
+              "0:00|0:59|1:01|10:00|60:00|1:00:01|18:12:15|");
+    EXPECT_EQ(joined<std::uint32_t>({9, 123}, SvxStringMakePaddedNumberString), "09|123|");
+}
+
+TEST(Display, FollowsTheLocaleVariables) {
+    unsetenv("LC_ALL");
+    unsetenv("LC_NUMERIC");
+    setenv("LANG", "fr_FR.UTF-8", 1);
+    EXPECT_EQ(userNumberLocale(), "fr_FR");
+    setenv("LC_NUMERIC", "de_AT.UTF-8@euro", 1);
+    EXPECT_EQ(userNumberLocale(), "de_AT");
+    EXPECT_EQ(userLanguage(), "fr");
+    setenv("LC_ALL", "C.UTF-8", 1);
+    EXPECT_EQ(userNumberLocale(), "en_US");
+    setenv("LC_ALL", "", 1);
+    EXPECT_EQ(userNumberLocale(), "de_AT");
+}
+
+TEST(LocalizedStrings, AreCompleteInEveryLanguage) {
+    startUpIn("C");
+    const std::string folder = gCFBundleRef.load()->folder();
+    std::map<std::string, std::set<std::string>> keys; ///< that have a text
+    for (const std::string language : {"en", "de", "fr", "ja"}) {
+        std::ifstream file(folder + "/" + language + ".lproj/Localizable.strings");
+        const std::string content((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        for (const auto& [key, text] : parseStringsFile(content)) {
+            if (!text.empty()) {
+                keys[language].insert(key);
+            }
+        }
+        EXPECT_EQ(keys[language], keys["en"]) << language;
+    }
+    ASSERT_EQ(keys["en"].size(), 192 + 4);
+    for (int genre = 1; genre <= 192; ++genre) {
+        EXPECT_EQ(keys["en"].count("STR#513:" + std::to_string(genre)), 1) << genre;
+    }
+    const StringBundle german(folder, "de");
+    EXPECT_EQ(plain(german.localizedString("STR#513:33", "Localizable")), "Klassik");
+    EXPECT_EQ(plain(german.localizedString("STR#1001:47", "Localizable")), "STR#1001:47");
+    EXPECT_EQ(plain(german.localizedString("STR#1001:46", "NoSuchTable")), "STR#1001:46");
+    EXPECT_EQ(plain(StringBundle(folder, "xx").localizedString("STR#513:33", "Localizable")), "Classical");
+    EXPECT_EQ(
+        joined<std::int16_t>({-1, 18}, [](std::int16_t index) { return SvxStringGetFromTable(513, index); }),
+        "STR#513:-1|Rock|");
+}
+
+TEST(LocalizedStrings, ComeFromTheBundleThatWasAskedForLast) {
+    const StringBundle* const none = nullptr;
+    const SvxStringRef own = SvxStringFromCString(bundleIdentifier);
+    for (const SvxStringRef& missing : {text("org.example.Missing"), text("")}) {
+        EXPECT_EQ(initStringBundle(missing), none);
+        EXPECT_EQ(gCFBundleRef, none);
+        EXPECT_EQ(plain(iuGetIndCFString(513, 18)), "STR#513:18");
+        EXPECT_EQ(plain(SvxStringGetFromEnglishTable(513, 18)), "STR#513:18");
+        const StringBundle* const found = initStringBundle(own);
+        EXPECT_EQ(found, gCFBundleRef);
+        EXPECT_EQ(plain(SvxStringGetFromEnglishTable(513, 18)), "Rock");
+        EXPECT_EQ(initStringBundle(SvxStringGetEmpty()), none);
+        EXPECT_EQ(found, gCFBundleRef); // to ask for none changes nothing
+    }
+}
+
+TEST(LocalizedStrings, ParseTheirSyntax) {
+    using Entries = std::vector<std::pair<std::string, std::string>>;
+    EXPECT_EQ(
+        parseStringsFile("/* a */ \"k\" = \"v\"; // b\n\"q\\\"\" = \"\\n\\t\\\\ \\U00e9\\Ud83c\\Udfb5\";"),
+        (Entries{{"k", "v"}, {"q\"", "\n\t\\ é🎵"}}));
+    for (const char* broken : {"\"k\" = \"v\"", "\"k\" \"v\";", "\"k\" = \"\\Ud83c\";", "\"k", "\\", "/* "}) {
+        EXPECT_TRUE(parseStringsFile(broken).empty()) << broken;
+    }
 }
 
 } // namespace
