@@ -164,28 +164,24 @@ TEST(Panel, EscapesWhatOutputsCannotHold) {
 }
 
 TEST(Panel, OffersNamesAndSearches) {
-    struct Case {
-        std::uint16_t track;
-        SvxStringRef title, artist, album;
-        std::int32_t type;
-        std::string names;
-        bool canTellTwitter;
-    };
-    for (const Case& c : std::vector<Case>{
-             {10, text("T"), text("A"), nullptr, amdTypeM4P, "T.m4p|10 - T.m4p|A - T.m4p|", true},
-             {0, text("T"), nullptr, text("L"), amdTypeAIFF, "T.aiff|", false},
-             {0, text("T"), nullptr, text("L"), amdTypeWAVE, "T.|", false},
-             {0, text(""), nullptr, nullptr, amdTypeM4A, ".m4a|", false}, // empty counts as present
-             {3, nullptr, text("A"), text("L"), amdTypeMP3, "", false}}) {
+    using Case =
+        std::tuple<std::uint16_t, SvxStringRef, SvxStringRef, SvxStringRef, std::int32_t, std::string, bool>;
+    for (const auto& [track, title, artist, album, type, names, canTell] :
+         {Case{10, text("T"), text("A"), nullptr, amdTypeM4P, "T.m4p|10 - T.m4p|A - T.m4p|", true},
+          {0, text("T"), nullptr, text("L"), amdTypeAIFF, "T.aiff|", false},
+          {0, text("T"), nullptr, text("L"), amdTypeWAVE, "T.|", false},
+          {0, text(""), nullptr, nullptr, amdTypeM4A, ".m4a|", false}, // empty counts as present
+          {3, nullptr, text("A"), text("L"), amdTypeMP3, "", false}}) {
         audioTags record;
-        record.mp3TheTrack = c.track;
-        record.mp3SongTitleString = c.title;
-        record.mp3ArtistString = c.artist;
-        record.mp3AlbumString = c.album;
-        EXPECT_EQ(joined(renamePatterns(record),
-                         [&](RenamePattern pattern) { return renameFileName(pattern, record, c.type); }),
-                  c.names);
-        EXPECT_EQ(canTellTwitter(record), c.canTellTwitter) << c.names;
+        record.mp3TheTrack = track;
+        record.mp3SongTitleString = title;
+        record.mp3ArtistString = artist;
+        record.mp3AlbumString = album;
+        const auto name = [&record, type = type](RenamePattern pattern) {
+            return renameFileName(pattern, record, type);
+        };
+        EXPECT_EQ(joined(renamePatterns(record), name), names);
+        EXPECT_EQ(canTellTwitter(record), canTell) << names;
     }
     EXPECT_EQ(plain(findEntryTitle(FindKey::year, fullRecord())), "Find all songs of 1999 in Shelvix");
     EXPECT_TRUE(findKeys({}).empty());

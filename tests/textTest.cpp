@@ -52,18 +52,12 @@ TEST(TextValue, DecodesBytes) {
     EXPECT_EQ(joined<std::string>({"\x8A\xDB\xF0", bytes("a\0b"), "\xDE\xDF"}, SvxStringFromCString),
               bytes("ä€\xEF\xA3\xBF|a\0b|\xEF\xAC\x81\xEF\xAC\x82|"));
     EXPECT_EQ(plain(SvxStringFromLatin1("\xE9")), "é");
-    const std::string longest(100, 'a');
-    // What is no UTF-8, such as a surrogate or an overlong form, is Mac OS Roman; a byte-order mark stays.
-    const std::vector<std::pair<std::string, std::string>> cases = {{"\xC3\xA9", "é"},
-                                                                    {"\xF0\x9F\x8E\xB5", "🎵"},
-                                                                    {"\xE9", "È"},
-                                                                    {"\xED\xA0\x80", "Ì†Ä"},
-                                                                    {"\xC0\xAF", "¿Ø"},
-                                                                    {"\xEF\xBB\xBFx", "\xEF\xBB\xBFx"},
-                                                                    {longest + "\xE2\x82", longest + "‚Ç"}};
-    for (const auto& [given, expected] : cases) {
-        EXPECT_EQ(plain(SvxStringFromUTF8(given)), expected);
-    }
+    EXPECT_EQ(joined<std::string>({"\xC3\xA9", "\xF0\x9F\x8E\xB5", "\xEF\xBB\xBFx"}, SvxStringFromUTF8),
+              "é|🎵|\xEF\xBB\xBFx|");
+    // What is no UTF-8, such as a surrogate or an overlong form, is Mac OS Roman.
+    const std::string far(100, 'a');
+    EXPECT_EQ(joined<std::string>({"\xE9", "\xED\xA0\x80", "\xC0\xAF", far + "\xE2\x82"}, SvxStringFromUTF8),
+              "È|Ì†Ä|¿Ø|" + far + "‚Ç|");
 }
 
 TEST(TextValue, HandsOutUnitsAndRangesWithinTheTextAlone) {
@@ -109,14 +103,9 @@ TEST(TextValue, DecodesPieces) {
 }
 
 TEST(TextValue, FindsUnderCanonicalEquivalenceAndCase) {
-    struct Case {
-        std::string text, needle;
-        std::uint32_t start;
-        bool caseSensitive;
-        int expected;
-    };
+    using Case = std::tuple<std::string, std::string, std::uint32_t, bool, int>;
     const std::string many(90, 'i');
-    const std::string longest(280, 'a');
+    const std::string manyMore(280, 'a');
     // Positions count the units as stored, no character is taken apart, and U+212A is the Kelvin sign.
     const std::vector<Case> cases = {
         {"3/12", "/", 0, true, 1},         {"xxITUNNORMx", "iTunNORM", 0, false, 2},
@@ -128,23 +117,20 @@ TEST(TextValue, FindsUnderCanonicalEquivalenceAndCase) {
         {"groß", "SS", 0, false, 3},       {"STRASSE", "straße", 0, false, 0},
         {"groß", "s", 0, false, -1},       {many + "itUN" + many, "iTun", 0, false, 90},
         {"가", "\u1100", 0, true, -1},     {"日" + many + "itUN", "iTun", 0, false, 91},
-        {"10 \u212Am", "km", 0, false, 3}, {many + longest + "b", longest + "b", 0, true, 90}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.text + " / " + c.needle);
-        EXPECT_EQ(SvxStringPosition(text(c.text), text(c.needle), c.start, c.caseSensitive), c.expected);
-        EXPECT_EQ(SvxStringContains(text(c.text), text(c.needle), c.caseSensitive),
-                  SvxStringPosition(text(c.text), text(c.needle), 0, c.caseSensitive) >= 0);
+        {"10 \u212Am", "km", 0, false, 3}, {many + manyMore + "b", manyMore + "b", 0, true, 90}};
+    for (const auto& [whole, needle, start, caseSensitive, expected] : cases) {
+        SCOPED_TRACE(whole + " / " + needle);
+        EXPECT_EQ(SvxStringPosition(text(whole), text(needle), start, caseSensitive), expected);
+        EXPECT_EQ(SvxStringContains(text(whole), text(needle), caseSensitive),
+                  SvxStringPosition(text(whole), text(needle), 0, caseSensitive) >= 0);
     }
     EXPECT_EQ(SvxStringPosition(nullptr, text("a"), 0, true), -1);
     EXPECT_FALSE(SvxStringContains(text("a"), nullptr, true));
 }
 
 TEST(TextValue, TestsBeginningsAndEnds) {
-    struct Case {
-        std::string text;
-        const char* needle; ///< in Mac OS Roman, where 0x83 is É
-        bool caseSensitive, begins, ends;
-    };
+    // Needles are in Mac OS Roman, where 0x83 is É.
+    using Case = std::tuple<std::string, const char*, bool, bool, bool>;
     const std::vector<Case> cases = {
         {"song.mp3", ".MP3", false, false, true},  {"xiTunNORM", "iTunNORM", false, false, true},
         {"song.mp3", ".MP3", true, false, false},  {"iTunNORM 000", "iTunNORM", false, true, false},
@@ -153,9 +139,9 @@ TEST(TextValue, TestsBeginningsAndEnds) {
         {"song.mp3", "", false, false, false},     {"song.mp3", nullptr, false, false, false},
         {"É x", "\x83", true, true, false},        {"cafe\u0301", "\x83", false, false, true},
         {"e", "\x83", false, false, false}};
-    for (const Case& c : cases) {
-        EXPECT_EQ(SvxStringBeginsWithCString(text(c.text), c.needle, c.caseSensitive), c.begins) << c.text;
-        EXPECT_EQ(SvxStringEndsWithCString(text(c.text), c.needle, c.caseSensitive), c.ends) << c.text;
+    for (const auto& [whole, needle, caseSensitive, begins, ends] : cases) {
+        EXPECT_EQ(SvxStringBeginsWithCString(text(whole), needle, caseSensitive), begins) << whole;
+        EXPECT_EQ(SvxStringEndsWithCString(text(whole), needle, caseSensitive), ends) << whole;
     }
     EXPECT_FALSE(SvxStringBeginsWith(text("a"), SvxStringGetEmpty(), false));
     EXPECT_FALSE(SvxStringEndsWith(SvxStringGetEmpty(), text("a"), false));
