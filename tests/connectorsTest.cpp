@@ -23,16 +23,6 @@ namespace fs = std::filesystem;
 /// A machine with one or more programs on it, and a user without anything.
 class Connectors : public testing::Test {
 protected:
-    Connectors() {
-        folders.root = folder.path("root");
-        folders.sources = SONARIN_CONNECTORS;
-        folders.plugins = folder.path("plug 'ins$(false)");
-        folders.data = folder.path("data");
-        folders.config = folder.path("config");
-        folders.quodLibet = folder.path("config/quodlibet");
-        folders.searchPath = "/nowhere::" + folder.path("bin");
-    }
-
     void put(const std::string& name, const std::string& content = "") {
         fs::create_directories(fs::path(folder.path(name)).parent_path());
         folder.write(name, content);
@@ -50,7 +40,14 @@ protected:
     }
 
     TestFolder folder;
-    ConnectorFolders folders;
+    ConnectorFolders folders{.root = folder.path("root"),
+                             .sources = SONARIN_CONNECTORS,
+                             .plugins = folder.path("plug 'ins$(false)"),
+                             .programs = "/programs",
+                             .data = folder.path("data"),
+                             .config = folder.path("config"),
+                             .quodLibet = folder.path("config/quodlibet"),
+                             .searchPath = "/nowhere::" + folder.path("bin")};
 };
 
 using State = Connector::State;

@@ -74,20 +74,17 @@ TEST(TextValue, HandsOutUnitsAndRangesWithinTheTextAlone) {
 }
 
 /// Delivers four to six bytes at a time, and others when it is read again.
-class Drip : public SvxByteSource {
-public:
-    Drip(std::string first, std::string later) : now_(std::move(first)), later_(std::move(later)) {}
-    [[nodiscard]] std::uint64_t size() const noexcept override { return now_.size(); }
+struct Drip : SvxByteSource {
+    Drip(std::string first, std::string then) : now(std::move(first)), later(std::move(then)) {}
+    [[nodiscard]] std::uint64_t size() const noexcept override { return now.size(); }
     [[nodiscard]] std::string_view pieceAt(std::uint64_t position) noexcept override {
-        if (position == 0 && passes_++ > 0) {
-            now_ = later_;
+        if (position == 0 && passes++ > 0) {
+            now = later;
         }
-        return std::string_view(now_).substr(std::min<std::size_t>(position, now_.size()), 4 + position % 3);
+        return std::string_view(now).substr(std::min<std::size_t>(position, now.size()), 4 + position % 3);
     }
-
-private:
-    std::string now_, later_;
-    int passes_ = 0;
+    std::string now, later;
+    int passes = 0;
 };
 
 TEST(TextValue, DecodesPieces) {
@@ -155,9 +152,7 @@ TEST(TextValue, KnowsEveryCharacterThatCountsAsAscii) {
     for (const bool caseSensitive : {false, true}) {
         for (UChar32 c = 0x80; c <= 0x10FFFF; ++c) {
             icu::UnicodeString form = decompose.normalize(icu::UnicodeString(c), status);
-            if (!caseSensitive) {
-                form = decompose.normalize(form.foldCase(), status);
-            }
+            form = caseSensitive ? form : decompose.normalize(form.foldCase(), status);
             const std::u16string_view units(form.getBuffer(), static_cast<std::size_t>(form.length()));
             const bool isAscii = std::ranges::all_of(units, [](char16_t unit) { return unit < 0x80; });
             if (isAscii && units.size() > 1) {
