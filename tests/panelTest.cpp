@@ -20,9 +20,9 @@ namespace {
 
 /// Length, bit rate, whether that varies, sampling rate, channel mode, tag version, year, track, tracks,
 /// size of the cover.
-using Numbers = std::tuple<int, int, int, int, int, int, int, int, int, std::size_t>;
+using FactNumbers = std::tuple<int, int, int, int, int, int, int, int, int, std::size_t>;
 
-audioTags recordOf(const Numbers& numbers) {
+audioTags recordOf(const FactNumbers& numbers) {
     audioTags record;
     std::tie(record.mp3SongLen, record.mp3BitRate, record.mp3HasVBR, record.mp3SamplingRate,
              record.mp3ChannelMode, record.mp3TagVersion, record.mp3Year, record.mp3TheTrack,
@@ -66,7 +66,7 @@ std::string asJson(audioTags record, std::int32_t result) {
 
 TEST(Panel, SaysEachFact) {
     startUpIn("C");
-    for (const auto& [numbers, expected] : std::vector<std::pair<Numbers, std::string>>{
+    for (const auto& [numbers, expected] : std::vector<std::pair<FactNumbers, std::string>>{
              {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, "Duration:0:00|Channels:Stereo|Tag:|"},
              {{3600, 128, 0, 44100, 1, 1, 1999, 3, 12, 5},
               "Duration:60:00|Bit rate:128 kbps  44.1 kHz|Channels: Joint Stereo|Tag:ID3v1|"
