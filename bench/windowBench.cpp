@@ -6,7 +6,6 @@
 #include "platform/desktop/qtPicture.h"
 #include "platform/desktop/sideWork.h"
 #include "tests/support/sampleBytes.h"
-#include "tests/window/slowDisk.h"
 #include "tests/window/windowSupport.h"
 
 #include <QApplication>
@@ -259,7 +258,7 @@ void measureFollowing(const TestFolder& folder) {
     UserDefaults defaults;
     AppController controller(&sources, &defaults);
     controller.gUpdateTimer->stop();
-    BusProgram player({"org.mpris.MediaPlayer2.bench"});
+    BusProgram player("org.mpris.MediaPlayer2.bench");
     player.play(folder.write("followed.mp3", songFile("Followed")));
     controller.useCurrentiTunesSongForSync();
     const auto tick = [&] {
@@ -318,7 +317,7 @@ int main(int argc, char** argv) {
     if (argc == 2) {
         return showAndEnd(argc, argv, argv[1]);
     }
-    TestBus::start();
+    startTestBus();
     const QApplication application(argc, argv);
     decodePicturesWithQt();
     measureUpdates(folder, "a cover of 71 KB", picture());
@@ -329,6 +328,6 @@ int main(int argc, char** argv) {
     measureHanging(folder);
     measureStart();
     measureFollowing(folder);
-    TestBus::stop();
+    testBus.reset();
     return 0;
 }

@@ -5,7 +5,6 @@
 #include "platform/desktop/fileIcon.h"
 #include "platform/desktop/qtPicture.h"
 #include "tests/support/sampleBytes.h"
-#include "tests/window/slowDisk.h"
 #include "tests/window/windowSupport.h"
 
 #include <QApplication>

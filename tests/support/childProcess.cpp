@@ -2,20 +2,16 @@
 #include "tests/support/childProcess.h"
 
 #include <array>
-#include <chrono>
 #include <csignal>
-#include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
-#include <stdexcept>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace sonarin {
 
-ChildProcess::ChildProcess(const std::vector<std::string>& command, Errors errors) {
+ChildProcess::ChildProcess(const std::string& command) {
     std::array<int, 2> ends{-1, -1};
     (void)socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data());
     talk_ = FileDescriptor(ends[0]);
@@ -24,26 +20,15 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, Errors error
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, other.get(), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, other.get(), STDOUT_FILENO);
-    if (errors == Errors::asOutput) {
-        posix_spawn_file_actions_adddup2(&actions, other.get(), STDERR_FILENO);
-    } else if (errors == Errors::hidden) {
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    }
-    std::vector<char*> arguments;
-    for (const std::string& argument : command) {
-        arguments.push_back(const_cast<char*>(argument.c_str())); // NOLINT(*-const-cast): nobody writes there
-    }
-    arguments.push_back(nullptr);
-    const int result = posix_spawnp(&process_, arguments[0], &actions, nullptr, arguments.data(), environ);
+    std::array<std::string, 3> words = {"sh", "-c", "exec " + command};
+    const std::array<char*, 4> arguments = {words[0].data(), words[1].data(), words[2].data(), nullptr};
+    (void)posix_spawn(&process_, "/bin/sh", &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (result != 0) {
-        throw std::runtime_error(command.front() + " does not start");
-    }
 }
 
 ChildProcess::~ChildProcess() {
     signal(SIGKILL);
-    hasEnded(10000);
+    exitCode();
 }
 
 void ChildProcess::write(const std::string& text) const {
@@ -63,21 +48,17 @@ void ChildProcess::signal(int number) const {
     }
 }
 
-bool ChildProcess::hasEnded(int milliseconds) {
+std::optional<int> ChildProcess::exitCode(int milliseconds) {
     for (; process_ > 0; --milliseconds) {
         if (waitpid(process_, &status_, WNOHANG) == process_) {
             process_ = -1;
         } else if (milliseconds <= 0) {
-            return false;
+            return std::nullopt;
         } else {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            usleep(1000);
         }
     }
-    return true;
-}
-
-int ChildProcess::exitCode() const {
-    return process_ < 0 && WIFEXITED(status_) ? WEXITSTATUS(status_) : -1;
+    return WIFEXITED(status_) ? WEXITSTATUS(status_) : 128 + WTERMSIG(status_);
 }
 
 } // namespace sonarin

@@ -3,19 +3,17 @@
 
 #include "platform/host/fileDescriptor.h"
 
+#include <optional>
 #include <string>
 #include <sys/types.h>
-#include <vector>
 
 namespace sonarin {
 
 /// Another program, which ends with its owner. Not the toolkit's own, which ThreadSanitizer does not bear.
 class ChildProcess {
 public:
-    enum class Errors { shown, hidden, asOutput };
-
-    /// Starts the program, which is looked for as a shell does; throws when it cannot be.
-    explicit ChildProcess(const std::vector<std::string>& command, Errors errors = Errors::shown);
+    /// Starts what a shell takes the command for.
+    explicit ChildProcess(const std::string& command);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
@@ -25,10 +23,8 @@ public:
     [[nodiscard]] std::string read() const;
     /// Does nothing when it has ended.
     void signal(int number) const;
-    /// Whether it ends within that time.
-    bool hasEnded(int milliseconds);
-    /// Of a program that has ended by itself; -1 for any other.
-    [[nodiscard]] int exitCode() const;
+    /// As a shell has it, once the program has ended; nothing when it goes on for that time.
+    std::optional<int> exitCode(int milliseconds = 10000);
 
 private:
     pid_t process_ = -1;

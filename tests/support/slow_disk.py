@@ -6,6 +6,8 @@ hang-CALL…      that call never answers, until a file "answer" is put into FOL
                 CALL is stat, open, read, codes (the extended attributes), access or rename
 late-MS-…       every read takes that many milliseconds
 broken-…        reads behind the first 8 KiB fail
+
+It says "ready" when the disk is there.
 """
 import errno
 import os
@@ -16,6 +18,9 @@ from fusepy import FUSE, FuseOSError, Operations
 
 
 class SlowDisk(Operations):
+    def init(self, path):
+        print("ready", flush=True)
+
     def path(self, path, call=""):
         name = os.path.basename(path)
         while call and name.startswith("hang-" + call) and not os.path.exists(f"{sys.argv[1]}/answer"):

@@ -12,8 +12,6 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMenu>
-#include <QRegularExpression>
 #include <QToolTip>
 #include <cerrno>
 
@@ -21,23 +19,12 @@ namespace sonarin {
 
 namespace {
 
-const std::string samplePath = SONARIN_SAMPLES "/sample.mp3"; // NOLINT(cert-err58-cpp)
-
 /// Whether anything in that part of the picture differs from its ground.
 bool hasInk(const QImage& image, const QRect& part) {
-    const QColor ground = image.pixelColor(image.width() - 1, 0);
-    for (int x = part.left(); x <= part.right(); ++x) {
-        for (int y = part.top(); y <= part.bottom(); ++y) {
-            if (image.pixelColor(x, y) != ground) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-bool isWithinItsParent(const QWidget* widget) {
-    return widget->parentWidget()->rect().contains(widget->geometry());
+    const QImage cut = image.copy(part);
+    QImage ground = cut;
+    ground.fill(image.pixelColor(image.width() - 1, 0));
+    return cut != ground;
 }
 
 class Comfort : public WindowTest {
@@ -63,8 +50,7 @@ protected:
 TEST_F(Comfort, CaptionsAreWholeAtEverySize) {
     showFrames(textFrame("TIT2", std::string(300, 'w')) +
                textFrame("COMM", bytes("eng\0") + std::string(300, 'c')));
-    const auto captions = controller->myWindow->findChild<QWidget*>("panelView")
-                              ->findChildren<QLabel*>(QRegularExpression(QStringLiteral("FieldLabel$")));
+    const auto captions = controller->myWindow->findChildren<QLabel*>(QRegularExpression("FieldLabel$"));
     ASSERT_EQ(captions.size(), 11);
     for (const QSize& size : {QSize(420, 380), QSize(240, 700), QSize(620, 460), QSize(1900, 1000)}) {
         controller->myWindow->resize(size);
@@ -75,7 +61,8 @@ TEST_F(Comfort, CaptionsAreWholeAtEverySize) {
             whole << caption << caption->buddy();
         }
         for (const QWidget* widget : whole) {
-            EXPECT_TRUE(isWithinItsParent(widget)) << size.width() << widget->objectName().toStdString();
+            EXPECT_TRUE(widget->parentWidget()->rect().contains(widget->geometry()))
+                << size.width() << widget->objectName().toStdString();
         }
     }
     show(samplePath);
@@ -90,20 +77,19 @@ TEST_F(Comfort, TextsStayBesideTheirCaptions) {
 }
 
 TEST_F(Comfort, ReadsTagsByTheirStandardsWhenAskedTo) {
-    const std::string hint = "This tag has texts that are shown only when read by its standard";
-    const std::string hidden = textFrame("TIT2", "Caf\xE9") + textFrame("TPE1", "Ann");
-    const auto expectShown = [&](const char* song, bool isHinted) {
-        EXPECT_EQ(title(), song);
-        EXPECT_EQ(controller->id3ArtistField->text(), "Ann");
-        runFor(100);
-        EXPECT_EQ(isHinted ? says(hint) : foot() == hint, isHinted) << song;
+    const auto expectShown = [this](const std::string& song, bool isHinted) {
+        EXPECT_EQ(title() + controller->id3ArtistField->text().toStdString(), song + "Ann");
+        const auto hints = [this] {
+            return foot() == "This tag has texts that are shown only when read by its standard";
+        };
+        EXPECT_EQ(waitFor(hints, isHinted ? 5000 : 100), isHinted) << song;
     };
     EXPECT_FALSE(command("readByStandardAction")->isChecked());
-    showFrames(hidden);
+    const std::string path = showFrames(textFrame("TIT2", "Caf\xE9") + textFrame("TPE1", "Ann"));
     expectShown("", true);
     showFrames(textFrame("TPE1", "Ann"), "y.mp3");
     expectShown("", false);
-    const std::string path = showFrames(hidden);
+    show(path);
     command("readByStandardAction")->trigger();
     EXPECT_TRUE(shows("Café"));
     expectShown("Café", false);
@@ -128,24 +114,21 @@ TEST_F(Comfort, WeakTextsCanBeRead) {
 }
 
 TEST_F(Comfort, TabReachesEveryValueThatThereIs) {
-    const auto reached = [this] {
-        QSet<QString> names;
+    showFrames(textFrame("TIT2", "Song") + textFrame("TYER", "1999"));
+    for (const bool hasCover : {false, true}) {
+        QSet<QString> reached;
         controller->syncCheckbox->setFocus();
         for (int i = 0; i < 60; ++i) {
             press(Qt::Key_Tab, QApplication::focusWidget());
-            names.insert(QApplication::focusWidget()->objectName());
+            reached.insert(QApplication::focusWidget()->objectName());
         }
-        return names;
-    };
-    showFrames(textFrame("TIT2", "Song") + textFrame("TYER", "1999"));
-    const QSet<QString> names = reached();
-    for (const ValueLabel* value : controller->myWindow->findChildren<ValueLabel*>()) {
-        EXPECT_EQ(names.contains(value->objectName()), !value->text().isEmpty())
-            << value->objectName().toStdString();
+        for (const ValueLabel* value : controller->myWindow->findChildren<ValueLabel*>()) {
+            EXPECT_EQ(reached.contains(value->objectName()), !value->text().isEmpty())
+                << value->objectName().toStdString();
+        }
+        EXPECT_EQ(reached.contains("fileIconField"), hasCover);
+        show(samplePath);
     }
-    EXPECT_FALSE(names.contains("fileIconField"));
-    show(samplePath);
-    EXPECT_TRUE(reached().contains("fileIconField"));
 }
 
 TEST_F(Comfort, ScreenReadersKnowWhatIsWhat) {
@@ -177,35 +160,34 @@ TEST_F(Comfort, ScreenReadersKnowWhatIsWhat) {
 }
 
 TEST_F(Comfort, CopiesWhatIsThere) {
-    EXPECT_FALSE(command("copyAction")->isEnabled() || command("copyAllAction")->isEnabled());
     showFrames(textFrame("TPE1", "The Makers") + textFrame("COMM", bytes("eng\0one\ntwo")));
-    EXPECT_FALSE(command("copyAction")->isEnabled());
-    controller->id3ArtistField->setFocus();
-    EXPECT_TRUE(command("copyAction")->isEnabled());
-    EXPECT_EQ(copiedBy("copyAction"), "The Makers");
-    controller->id3ArtistField->setSelection(4, 3);
-    EXPECT_EQ(copiedBy("copyAction"), "Mak");
-    controller->id3CommentField->setFocus();
-    controller->id3CommentField->setSelection(1, 5);
-    EXPECT_EQ(copiedBy("copyAction"), "ne\ntw");
+    struct Selection {
+        ValueLabel* value;
+        int start, length;
+        const char* copied;
+    };
+    for (const auto& [value, start, length, text] :
+         std::vector<Selection>{{controller->id3ArtistField, 0, 0, "The Makers"},
+                                {controller->id3ArtistField, 4, 3, "Mak"},
+                                {controller->id3CommentField, 1, 5, "ne\ntw"}}) {
+        value->setFocus();
+        value->setSelection(start, length);
+        EXPECT_EQ(copiedBy("copyAction"), text);
+    }
     show(samplePath);
-    ChildProcess printed({SONARIN_INFO, samplePath});
+    ChildProcess printed("'" SONARIN_INFO "' '" + std::string(samplePath) + "'");
     QString all;
     for (std::string line = printed.read(); !line.empty(); line = printed.read()) {
         all += QString::fromStdString(line);
     }
     EXPECT_EQ(copiedBy("copyAllAction").remove(u'\n'), all.remove(u'\n'));
     EXPECT_EQ(copiedBy("copyPathAction"), pathOf(samplePath));
-    const auto copyByTheMenu = [] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (menu != nullptr) {
-            menu->actions().constFirst()->trigger();
-            menu->close();
-        }
-        return menu != nullptr;
-    };
-    EXPECT_TRUE(meanwhile([this] { emit controller->id3YearField->customContextMenuRequested(QPoint(1, 1)); },
-                          copyByTheMenu));
+    EXPECT_TRUE(
+        meanwhile<QMenu>([this] { emit controller->id3YearField->customContextMenuRequested(QPoint(1, 1)); },
+                         [](QMenu* menu) {
+                             menu->actions().constFirst()->trigger();
+                             menu->close();
+                         }));
     EXPECT_EQ(copied(), "2026");
 
     const std::string strange = folder.write("b\xFF.mp3", songFile("strange"));
@@ -214,37 +196,31 @@ TEST_F(Comfort, CopiesWhatIsThere) {
 }
 
 TEST_F(Comfort, TheCoverComesOut) {
-    for (const char* name : {"copyPictureAction", "savePictureAction", "pictureAction"}) {
-        EXPECT_FALSE(command(name)->isEnabled());
-    }
     show(samplePath);
     command("copyPictureAction")->trigger();
     EXPECT_EQ(QGuiApplication::clipboard()->image().size(), QSize(96, 96));
     const std::string target = folder.path("saved.png");
-    const auto save = [&] {
-        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-        if (dialog != nullptr) {
-            EXPECT_TRUE(dialog->selectedFiles().value(0).endsWith("sample.png"));
-            showFrames(textFrame("TIT2", "the next file, without a picture"));
-            dialog->findChild<QLineEdit*>()->setText(QString::fromStdString(target));
-            QMetaObject::invokeMethod(dialog, "accept");
-        }
-        return dialog != nullptr;
-    };
-    EXPECT_TRUE(meanwhile([this] { command("savePictureAction")->trigger(); }, save));
+    EXPECT_TRUE(
+        meanwhile<QFileDialog>([this] { command("savePictureAction")->trigger(); },
+                               [&](QFileDialog* dialog) {
+                                   EXPECT_TRUE(dialog->selectedFiles().value(0).endsWith("sample.png"));
+                                   showFrames(textFrame("TIT2", "the next file, without a picture"));
+                                   dialog->findChild<QLineEdit*>()->setText(QString::fromStdString(target));
+                                   QMetaObject::invokeMethod(dialog, "accept");
+                               }));
     EXPECT_TRUE(says("Saved as saved.png")) << foot();
     EXPECT_EQ(fs::file_size(target), 10787U);
-    EXPECT_EQ(QImage(QString::fromStdString(target)).size(), QSize(96, 96));
+    EXPECT_EQ(QImage(pathOf(target)).size(), QSize(96, 96));
 
     show(samplePath);
     press(Qt::Key_Return, controller->fileIconField);
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    const auto larger = std::find_if(windows.begin(), windows.end(), [this](const QWidget* window) {
-        return window != controller->myWindow && window->findChild<PictureView*>() != nullptr;
-    });
-    ASSERT_NE(larger, windows.end());
-    EXPECT_TRUE((*larger)->isVisible());
-    EXPECT_EQ((*larger)->size(), QSize(192, 192));
+    QSize larger;
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        if (window != controller->myWindow && window->isVisible() && window->findChild<PictureView*>()) {
+            larger = window->size();
+        }
+    }
+    EXPECT_EQ(larger, QSize(192, 192));
 }
 
 TEST_F(Comfort, LongWordsAreCutInSight) {
@@ -270,14 +246,14 @@ TEST_F(Comfort, LongEntriesAreCutWhereTheyDifferLeast) {
     const std::string title = "Begin" + std::string(2000, 't') + "End";
     showFrames(textFrame("TIT2", title) + textFrame("TPE1", std::string(2000, 'a')) +
                textFrame("TALB", "Album") + textFrame("TRCK", "3"));
-    const QStringList shown = shownTitles(controller->renamePopup);
+    QMenu* menu = controller->renamePopup->menu();
+    const QStringList shown = shownTitles(menu);
     ASSERT_EQ(shown.size(), 4);
-    const QMenu* menu = controller->renamePopup->menu();
     const int screenWidth = controller->myWindow->screen()->availableGeometry().width();
     for (const QString& entry : shown) {
         EXPECT_TRUE(entry.contains("Begin") && entry.endsWith("End.mp3")) << entry.toStdString();
-        EXPECT_LT(menu->fontMetrics().horizontalAdvance(entry), screenWidth);
-        EXPECT_GT(menu->fontMetrics().horizontalAdvance(entry), screenWidth * 3 / 4);
+        const int width = menu->fontMetrics().horizontalAdvance(entry);
+        EXPECT_TRUE(width < screenWidth && width > screenWidth * 3 / 4) << width;
     }
     EXPECT_TRUE(shown[1].contains(" 03 - Begin"));
     EXPECT_TRUE(shown[3].contains(" - Album - Begin") && !shown[2].contains("Album"));
@@ -287,14 +263,12 @@ TEST_F(Comfort, LongEntriesAreCutWhereTheyDifferLeast) {
 
 TEST_F(Comfort, AKeyOpensAMenuWithItsFirstEntryChosen) {
     showFrames(textFrame("TIT2", "Song"));
-    QMenu* menu = controller->renamePopup->menu();
     QString chosen;
-    const auto look = [&] {
-        const bool isOpen = menu->isVisible();
-        chosen = isOpen && menu->activeAction() != nullptr ? menu->activeAction()->text() : QString();
-        return isOpen && menu->close();
-    };
-    EXPECT_TRUE(meanwhile([this] { controller->pullDownRenameMenu(); }, look));
+    EXPECT_TRUE(meanwhile<QMenu>([this] { controller->pullDownRenameMenu(); },
+                                 [&](QMenu* menu) {
+                                     chosen = menu->activeAction() ? menu->activeAction()->text() : QString();
+                                     menu->close();
+                                 }));
     EXPECT_EQ(chosen, "Rename to:   Song.mp3");
 }
 
@@ -331,26 +305,22 @@ TEST_F(Comfort, ASettingThatCannotBeStoredIsSaidOnce) {
 
 TEST_F(Comfort, OpenedFilesAreRemembered) {
     auto* menu = controller->myWindow->findChild<QMenu*>("recentMenu");
-    const auto entries = [&] {
-        emit menu->aboutToShow();
-        QStringList names;
-        for (const QAction* action : menu->actions()) {
-            names.append(action->isSeparator() ? QStringLiteral("-") : action->text());
-        }
-        return names.mid(0, names.indexOf(QStringLiteral("-"))).join(u'|');
+    const auto entries = [&] { // above the line
+        const QStringList titles = shownTitles(menu);
+        return titles.mid(0, titles.indexOf(QString())).join(u'|');
     };
     const auto open = [this](const std::string& path) {
         controller->applicationOpenFile(pathOf(path));
         waitForFile(*controller);
     };
-    EXPECT_EQ(entries(), "No File Yet");
+    EXPECT_EQ(entries(), "[No File Yet]");
     const std::string a = folder.write("a&b.mp3", songFile("A"));
     for (const std::string& path :
          {a, song("B"), folder.write("broken.mp3", "x"), folder.path("no.mp3"), a}) {
         open(path);
     }
     show(song("followed"));
-    const QString in = QStringLiteral(" — ") + QString::fromStdString(folder.path("")).section(u'/', -2, -2);
+    const QString in = QStringLiteral(" — ") + pathOf(folder.path("")).section(u'/', -2, -2);
     EXPECT_EQ(entries(), "a&&b.mp3" + in + "|B.mp3" + in);
     menu->actions().at(1)->trigger();
     EXPECT_TRUE(shows("B"));
@@ -361,10 +331,9 @@ TEST_F(Comfort, OpenedFilesAreRemembered) {
     const auto switchOf = [&] { return menu->actions().at(menu->actions().size() - 2); };
     switchOf()->trigger();
     open(a);
-    EXPECT_EQ(entries(), "No File Yet");
+    EXPECT_EQ(entries(), "[No File Yet]");
     EXPECT_FALSE(switchOf()->isChecked());
-    EXPECT_EQ(QFile::permissions(preferencesFile()) & (QFile::ReadGroup | QFile::ReadOther),
-              QFile::Permissions());
+    EXPECT_FALSE(QFile::permissions(preferencesFile()) & (QFile::ReadGroup | QFile::ReadOther));
 }
 
 TEST_F(Comfort, TheViewMenuChoosesWhatIsFollowed) {
@@ -381,13 +350,12 @@ TEST_F(Comfort, TheViewMenuChoosesWhatIsFollowed) {
 TEST(FileIcons, AreToldApartWithoutATheme) {
     const TestFolder folder;
     const IconTheme none;
-    std::vector<QImage> seen;
+    std::vector<QImage> seen = {QImage()};
     for (const std::string& path : {folder.write("a.mp3", ""), folder.path(""), folder.write("a.txt", ""),
                                     folder.write("a.xyz", ""), folder.path("missing.mp3")}) {
         const FileIcon icon = iconForFile(path, pathOf(path));
         lookUpIcon(icon, none);
         const QImage image = knownIcon(icon, none).value_or(QImage());
-        EXPECT_FALSE(image.isNull());
         EXPECT_EQ(std::count(seen.begin(), seen.end(), image), 0) << path;
         seen.push_back(image);
     }

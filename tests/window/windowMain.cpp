@@ -18,12 +18,12 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("LC_ALL", "C.UTF-8");
     sonarin::installPrograms(home);
-    sonarin::TestBus::start();
+    sonarin::startTestBus();
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     sonarin::decodePicturesWithQt();
     const int result = RUN_ALL_TESTS();
-    sonarin::TestBus::stop();
+    sonarin::testBus.reset();
     (void)sonarin::SideWork::haveThreadsEnded(std::chrono::seconds(5));
     return result;
 }

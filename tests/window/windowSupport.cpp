@@ -7,39 +7,24 @@
 #include "tests/support/sampleBytes.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDBusReply>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QThread>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <vector>
 
 namespace sonarin {
 
+std::unique_ptr<ChildProcess> testBus;
+
 namespace {
 
-std::unique_ptr<ChildProcess> daemon;
+namespace fs = std::filesystem;
+
 std::string programFolder; // NOLINT
-
-std::vector<std::string> commandLine(const std::string& program, std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), program);
-    return arguments;
-}
-
-void installScript(const TestFolder& home, const std::string& name, const std::string& entry) {
-    const std::string script =
-        home.write("programs/" + name, "#!/bin/sh\nprintf '%s\\n' \"$@\" >> \"$0.log\"\n");
-    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-    home.write("data/applications/" + name + ".desktop",
-               "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=\"" + script + "\" " + entry);
-}
 
 } // namespace
 
@@ -64,79 +49,88 @@ void waitForFile(const AppController& controller) {
     (void)waitFor([&] { return !controller.isReading(); }, 30000);
 }
 
-void TestBus::start() {
+void startTestBus() {
     static const TestFolder folder;
-    const QByteArray address = "unix:path=" + QByteArray::fromStdString(folder.path("bus"));
-    QFile::remove(QString::fromStdString(folder.path("bus")));
-    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
-    daemon = std::make_unique<ChildProcess>(std::vector<std::string>{"dbus-daemon", "--session", "--nofork",
-                                                                     "--nopidfile", "--print-address",
-                                                                     "--address=" + address.toStdString()},
-                                            ChildProcess::Errors::hidden);
-    if (daemon->read().empty()) {
+    const std::string address = "unix:path=" + folder.path("bus");
+    fs::remove(folder.path("bus"));
+    qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray::fromStdString(address));
+    testBus = std::make_unique<ChildProcess>(
+        "dbus-daemon --session --nofork --nopidfile --print-address --address=" + address + " 2>/dev/null");
+    if (testBus->read().empty()) {
         throw std::runtime_error("dbus-daemon does not start");
     }
 }
 
-void TestBus::stop() {
-    daemon.reset();
-}
-
-void TestBus::signal(int number) {
-    daemon->signal(number);
-}
-
 bool isOnTheBus() {
-    const QDBusConnection bus =
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("look"));
-    const bool isThere = bus.interface()->isServiceRegistered(QStringLiteral("org.sonarin.Sonarin"));
-    QDBusConnection::disconnectFromBus(QStringLiteral("look"));
-    return isThere;
+    return SessionBus().connection().interface()->isServiceRegistered("org.sonarin.Sonarin");
 }
 
-BusProgram::BusProgram(const std::vector<std::string>& names)
-    : process_(commandLine(SONARIN_PUBLISHER, names)) {
-    if (process_.read().empty()) {
+BusProgram::BusProgram(const std::string& names) : ChildProcess("'" SONARIN_PUBLISHER "' " + names) {
+    if (read().empty()) {
         throw std::runtime_error("the publisher does not start");
     }
 }
 
-void BusProgram::tell(const QString& line) {
-    process_.write(line.toStdString() + '\n');
-    (void)process_.read();
+std::string BusProgram::tell(const QString& line) {
+    write(line.toStdString() + '\n');
+    return read();
 }
 
 void BusProgram::play(const std::string& path, const QString& status) {
-    tell(QStringLiteral("m xesam:url ") + fileUri(path));
-    tell(QStringLiteral("s PlaybackStatus ") + status);
+    tell("m xesam:url " + fileUri(path));
+    tell("s PlaybackStatus " + status);
 }
 
 void BusProgram::select(const QStringList& uris, int activeSince) {
-    tell((QStringList{QStringLiteral("as"), QStringLiteral("Selected")} + uris).join(u' '));
-    tell(QStringLiteral("x ActiveSince %1").arg(activeSince));
+    tell((QStringList{"as", "Selected"} + uris).join(u' '));
+    tell("x ActiveSince " + QString::number(activeSince));
 }
 
-int BusProgram::timesAsked() {
-    process_.write("asked\n");
-    return std::stoi(process_.read());
+SlowDisk::SlowDisk() {
+    fs::create_directories(behind("folder"));
+    fs::create_directory(folder_.path("the disk"));
+    server_ = std::make_unique<ChildProcess>("'" SONARIN_SLOW_DISK "' '" + behind("") + "' '" +
+                                             folder_.path("the disk") + "'");
+    isThere_ = !server_->read().empty();
+}
+
+SlowDisk::~SlowDisk() {
+    server_.reset();
+    ChildProcess("fusermount3 -uz '" + folder_.path("the disk") + "' 2>/dev/null").exitCode();
+}
+
+std::string SlowDisk::write(const std::string& name, const std::string& content) const {
+    (void)folder_.write("disk/" + name, content);
+    return folder_.path("the disk/" + name);
+}
+
+std::string SlowDisk::song(const std::string& name, const std::string& title) const {
+    return write(name, songFile(title, "Ann"));
 }
 
 void installPrograms(const TestFolder& home) {
-    namespace fs = std::filesystem;
     for (const char* name : {"programs", "config", "data", "data/applications"}) {
         fs::create_directories(home.path(name));
     }
     programFolder = home.path("programs/");
-    installScript(home, "cataloguer", "%u\nMimeType=x-scheme-handler/shelvix;\n");
-    installScript(home, "browser", "%u\nMimeType=x-scheme-handler/http;x-scheme-handler/https;\n");
-    installScript(home, "tagger", "--edit %f\nX-HFS-Creator=Abcd;Tagr\n");
-    installScript(home, "rage", "%U\nNoDisplay=true\nX-HFS-Creator=0x4D6564A8\n");
-    installScript(home, "category", "%f\nMimeType=audio/mpeg;\nCategories=Audio;AudioVideoEditing;\n");
-    installScript(home, "keyword", "%f\nMimeType=audio/mpeg;\nKeywords=music;ID3;\n");
-    installScript(home, "player", "%f\nMimeType=audio/mpeg;\nKeywords=music;\nCategories=Audio;Player;\n");
-    installScript(home, "nosound", "%f\nMimeType=text/plain;\nKeywords=tag;\n");
-    installScript(home, "gone", "%f\nTryExec=/nowhere/gone\nX-HFS-Creator=id3x\n");
-    installScript(home, "hidden", "%f\nHidden=true\nX-HFS-Creator=id3x\n");
+    const std::vector<std::pair<std::string, std::string>> entries = {
+        {"cataloguer", "%u\nMimeType=x-scheme-handler/shelvix;\n"},
+        {"browser", "%u\nMimeType=x-scheme-handler/http;x-scheme-handler/https;\n"},
+        {"tagger", "--edit %f\nX-HFS-Creator=Abcd;Tagr\n"},
+        {"rage", "%U\nNoDisplay=true\nX-HFS-Creator=0x4D6564A8\n"},
+        {"category", "%f\nMimeType=audio/mpeg;\nCategories=Audio;AudioVideoEditing;\n"},
+        {"keyword", "%f\nMimeType=audio/mpeg;\nKeywords=music;ID3;\n"},
+        {"player", "%f\nMimeType=audio/mpeg;\nKeywords=music;\nCategories=Audio;Player;\n"},
+        {"nosound", "%f\nMimeType=text/plain;\nKeywords=tag;\n"},
+        {"gone", "%f\nTryExec=/nowhere/gone\nX-HFS-Creator=id3x\n"},
+        {"hidden", "%f\nHidden=true\nX-HFS-Creator=id3x\n"}};
+    for (const auto& [name, entry] : entries) {
+        const std::string script =
+            home.write("programs/" + name, "#!/bin/sh\nprintf '%s\\n' \"$@\" >> \"$0.log\"\n");
+        fs::permissions(script, fs::perms::owner_all);
+        home.write("data/applications/" + name + ".desktop",
+                   "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=\"" + script + "\" " + entry);
+    }
     home.write("config/mimeapps.list", "[Default Applications]\nx-scheme-handler/shelvix=cataloguer.desktop\n"
                                        "x-scheme-handler/http=browser.desktop\n"
                                        "x-scheme-handler/https=browser.desktop\n");
@@ -144,20 +138,17 @@ void installPrograms(const TestFolder& home) {
 
 std::string calledWith(const std::string& script, int milliseconds) {
     const std::string log = programFolder + script + ".log";
-    if (!waitFor([&] { return std::filesystem::exists(log) && std::filesystem::file_size(log) > 0; },
-                 milliseconds)) {
-        return {};
+    if (waitFor([&] { return fs::exists(log) && fs::file_size(log) > 0; }, milliseconds)) {
+        runFor(50);
     }
-    runFor(50);
-    std::ifstream file(log);
-    std::string lines((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    std::filesystem::remove(log);
-    return lines;
+    std::ostringstream lines;
+    lines << std::ifstream(log).rdbuf();
+    fs::remove(log);
+    return lines.str();
 }
 
 QString preferencesFile() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/sonarin/sonarin.conf");
+    return qEnvironmentVariable("XDG_CONFIG_HOME") + "/sonarin/sonarin.conf";
 }
 
 void forgetPreferences() {
@@ -173,11 +164,9 @@ QString fileUri(const std::string& path) {
 }
 
 std::string songFile(const std::string& title, const std::string& artist) {
-    std::string frames = sample::textFrame("TIT2", title);
-    if (!artist.empty()) {
-        frames += sample::textFrame("TPE1", artist);
-    }
-    return sample::id3Tag(frames) + sample::mpegAudio(5000);
+    return sample::id3Tag(sample::textFrame("TIT2", title) +
+                          (artist.empty() ? "" : sample::textFrame("TPE1", artist))) +
+           sample::mpegAudio(5000);
 }
 
 } // namespace sonarin

@@ -6,12 +6,13 @@
 #include "tests/support/testFolder.h"
 
 #include <QStringList>
+#include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
-#include <vector>
 
-/// What the tests of the window share: a bus of their own, programs on it, and a controller with real
-/// widgets.
+/// What the tests of the window share: a bus of their own, programs on it, a disk that is slow, and sources
+/// that answer what the test says.
 namespace sonarin {
 
 /// Runs the event loop until the condition holds; false when it does not within that time.
@@ -23,31 +24,47 @@ void runFor(int milliseconds);
 void waitForFile(const AppController& controller);
 
 /// The session bus of this test program. The address stays the same when it is started again.
-class TestBus {
-public:
-    static void start();
-    static void stop();
-    static void signal(int number);
-};
+extern std::unique_ptr<ChildProcess> testBus;
+void startTestBus();
 
 /// Whether a Sonarin is on the bus.
 bool isOnTheBus();
 
-/// Another program on the bus, under one or more names.
-class BusProgram {
+/// Another program on the bus, under one or more names with a blank between them.
+class BusProgram : public ChildProcess {
 public:
-    explicit BusProgram(const std::vector<std::string>& names);
+    explicit BusProgram(const std::string& names);
 
-    /// Tells it a property, in the words of tools/publisher.cpp.
-    void tell(const QString& line);
+    /// Tells it a property, in the words of tools/publisher.cpp; answers its answer.
+    std::string tell(const QString& line);
     void play(const std::string& path, const QString& status = QStringLiteral("Playing"));
     void select(const QStringList& uris, int activeSince);
-    void signal(int number) const { process_.signal(number); }
-    /// How often it was asked for its properties so far.
-    int timesAsked();
+};
+
+/// A disk whose files are slow by their names, as tests/support/slow_disk.py says. What hangs on it goes on
+/// when its owner goes.
+class SlowDisk {
+public:
+    SlowDisk();
+    SlowDisk(const SlowDisk&) = delete;
+    SlowDisk& operator=(const SlowDisk&) = delete;
+    ~SlowDisk();
+
+    /// False where the system lets nobody make such a disk.
+    [[nodiscard]] bool isThere() const { return isThere_; }
+    /// Puts a file onto the disk; answers its path there.
+    [[nodiscard]] std::string write(const std::string& name, const std::string& content) const;
+    [[nodiscard]] std::string song(const std::string& name, const std::string& title) const;
+    /// Where its files are, for who does not want to wait.
+    [[nodiscard]] std::string behind(const std::string& name) const { return folder_.path("disk/" + name); }
+    /// Whatever hangs goes on.
+    void answer() const { (void)folder_.write("disk/answer", ""); }
+    void hangAgain() const { std::filesystem::remove(behind("answer")); }
 
 private:
-    ChildProcess process_;
+    TestFolder folder_;
+    std::unique_ptr<ChildProcess> server_;
+    bool isThere_ = false;
 };
 
 /// Answers what the test says.
@@ -55,17 +72,11 @@ class FixedSources final : public SelectionSources {
 public:
     void ask(Question /*question*/) override { ++questions; }
     void forget() override {}
-    Paths answer(Question question) override {
-        return question == Question::fileManagerSelection ? finder
-               : question == Question::playerSelection    ? selection
-                                                          : track;
-    }
+    Paths answer(Question question) override { return answers[question]; }
     [[nodiscard]] bool isPlayerRunning() const override { return isRunning; }
     [[nodiscard]] Teller teller(Question /*question*/) const override { return who; }
 
-    Paths finder;
-    Paths selection;
-    Paths track;
+    std::map<Question, Paths> answers;
     bool isRunning = true;
     Teller who;
     int questions = 0;

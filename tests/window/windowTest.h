@@ -6,11 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include <QAction>
 #include <QApplication>
-#include <filesystem>
-#include <memory>
-#include <vector>
+#include <QMenu>
+#include <QRegularExpression>
 
 namespace sonarin {
 
@@ -18,6 +16,8 @@ namespace fs = std::filesystem;
 using sample::bytes;
 using sample::id3Frame;
 using sample::textFrame;
+using Question = SelectionSources::Question;
+inline const char* const samplePath = SONARIN_SAMPLES "/sample.mp3";
 
 /// A test with a window of its own, which follows nothing by itself and has no stored preferences.
 class WindowTest : public testing::Test {
@@ -57,29 +57,56 @@ protected:
     bool says(const std::string& text) {
         return waitFor([&] { return foot() == text; });
     }
+    /// Every value that there is, and how many entries two menus have.
+    [[nodiscard]] std::string panel() const {
+        QStringList shown;
+        for (const ValueLabel* value : controller->myWindow->findChildren<ValueLabel*>()) {
+            if (!value->text().isEmpty()) {
+                shown << value->objectName().remove("id3").remove("Field") + '=' + value->text();
+            }
+        }
+        shown << QString("%1 names, %2 searches")
+                     .arg(controller->renamePopup->numberOfItems() - 1)
+                     .arg(controller->findInShelvixPopup->numberOfItems() - 1);
+        return shown.join('|').toStdString();
+    }
+    /// The commands and buttons that can do nothing.
+    [[nodiscard]] std::string greyed() const {
+        QStringList names;
+        for (const QObject* object : controller->myWindow->findChildren<QObject*>(
+                 QRegularExpression(QStringLiteral("^[a-z].*(Action|Button)$")))) {
+            if (!object->property("enabled").toBool()) {
+                names << object->objectName();
+            }
+        }
+        return names.join(' ').toStdString();
+    }
     [[nodiscard]] QAction* command(const char* name) const {
         return controller->myWindow->findChild<QAction*>(QLatin1StringView(name));
     }
-    /// The titles as the menu shows them.
-    static QStringList shownTitles(const PullDownButton* button) {
-        emit button->menu()->aboutToShow();
+    /// The titles as the menu shows them; those that are greyed in brackets.
+    static QStringList shownTitles(QMenu* menu) {
+        emit menu->aboutToShow();
         QStringList titles;
-        for (const QAction* action : button->menu()->actions()) {
-            titles.append(action->text());
+        for (const QAction* action : menu->actions()) {
+            titles << (action->isEnabled() || action->isSeparator() ? action->text()
+                                                                    : '[' + action->text() + ']');
         }
         return titles;
     }
-    /// Does `then` again and again until it answers that it is done, with what pops up while the action
-    /// waits.
-    static bool meanwhile(const std::function<void()>& action, const std::function<bool()>& then,
+    /// Does `then` with the dialog, or the menu, that pops up while the action waits; false when none does.
+    template <class Popup>
+    static bool meanwhile(const std::function<void()>& action, const std::function<void(Popup*)>& then,
                           int milliseconds = 5000) {
         bool isDone = false;
         QTimer look;
-        look.setSingleShot(true); // `then` may run the event loop as well
         look.callOnTimeout([&] {
-            isDone = then();
-            if (!isDone) {
-                look.start();
+            QWidget* menu = QApplication::activePopupWidget();
+            auto* popup = qobject_cast<Popup*>(menu != nullptr ? menu : QApplication::activeModalWidget());
+            if (popup != nullptr) {
+                look.stop(); // `then` may run the event loop as well
+                then(popup);
+                isDone = true;
             }
         });
         look.start(20);
