@@ -103,7 +103,7 @@ void measureUpdates(const TestFolder& folder, const char* kind, const std::strin
 /// hangs.
 void measureHanging(const TestFolder& folder) {
     const SlowDisk disk;
-    if (!disk.isThere()) {
+    if (!disk.isThere) {
         std::puts("hanging disk: NOT MEASURED, FUSE does not work here");
         return;
     }

@@ -14,8 +14,6 @@ class ChildProcess {
 public:
     /// Starts what a shell takes the command for.
     explicit ChildProcess(const std::string& command);
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
 
     void write(const std::string& text) const;

@@ -133,27 +133,22 @@ TEST_F(Comfort, TabReachesEveryValueThatThereIs) {
 
 TEST_F(Comfort, ScreenReadersKnowWhatIsWhat) {
     show(samplePath);
-    struct Case {
-        QWidget* widget;
-        QAccessible::Role role;
-        const char* name;
-        const char* value;
-    };
-    for (const Case& c : std::vector<Case>{
+    using Row = std::tuple<QWidget*, QAccessible::Role, const char*, const char*>;
+    for (const auto& [widget, role, name, value] : std::vector<Row>{
              {controller->id3YearField, QAccessible::EditableText, "Year", "2026"},
              {controller->id3SongTitleField, QAccessible::EditableText, "Title", "Prélude in One Second"},
              {controller->syncMenu, QAccessible::ComboBox, "What to follow", "File manager selection"},
              {controller->fileIconField, QAccessible::Graphic, "Cover", ""},
              {controller->renamePopup, QAccessible::ButtonMenu, "Rename", ""}}) {
-        QAccessibleInterface* heard = QAccessible::queryAccessibleInterface(c.widget);
+        QAccessibleInterface* heard = QAccessible::queryAccessibleInterface(widget);
         ASSERT_NE(heard, nullptr);
-        EXPECT_EQ(heard->role(), c.role) << c.name;
-        EXPECT_EQ(heard->text(QAccessible::Name).toStdString(), c.name);
-        EXPECT_EQ(heard->text(QAccessible::Value).toStdString(), c.value);
-        if (c.role == QAccessible::EditableText) {
+        EXPECT_EQ(heard->role(), role) << name;
+        EXPECT_EQ(heard->text(QAccessible::Name).toStdString(), name);
+        EXPECT_EQ(heard->text(QAccessible::Value).toStdString(), value);
+        if (role == QAccessible::EditableText) {
             QAccessibleTextInterface* read = heard->textInterface();
             ASSERT_NE(read, nullptr);
-            EXPECT_EQ(read->text(0, read->characterCount()).toStdString(), c.value);
+            EXPECT_EQ(read->text(0, read->characterCount()).toStdString(), value);
             EXPECT_TRUE(heard->state().readOnly && heard->state().focusable);
         }
     }
@@ -161,15 +156,11 @@ TEST_F(Comfort, ScreenReadersKnowWhatIsWhat) {
 
 TEST_F(Comfort, CopiesWhatIsThere) {
     showFrames(textFrame("TPE1", "The Makers") + textFrame("COMM", bytes("eng\0one\ntwo")));
-    struct Selection {
-        ValueLabel* value;
-        int start, length;
-        const char* copied;
-    };
     for (const auto& [value, start, length, text] :
-         std::vector<Selection>{{controller->id3ArtistField, 0, 0, "The Makers"},
-                                {controller->id3ArtistField, 4, 3, "Mak"},
-                                {controller->id3CommentField, 1, 5, "ne\ntw"}}) {
+         std::vector<std::tuple<ValueLabel*, int, int, const char*>>{
+             {controller->id3ArtistField, 0, 0, "The Makers"},
+             {controller->id3ArtistField, 4, 3, "Mak"},
+             {controller->id3CommentField, 1, 5, "ne\ntw"}}) {
         value->setFocus();
         value->setSelection(start, length);
         EXPECT_EQ(copiedBy("copyAction"), text);
@@ -334,17 +325,6 @@ TEST_F(Comfort, OpenedFilesAreRemembered) {
     EXPECT_EQ(entries(), "[No File Yet]");
     EXPECT_FALSE(switchOf()->isChecked());
     EXPECT_FALSE(QFile::permissions(preferencesFile()) & (QFile::ReadGroup | QFile::ReadOther));
-}
-
-TEST_F(Comfort, TheViewMenuChoosesWhatIsFollowed) {
-    command("followTrackAction")->trigger();
-    EXPECT_EQ(controller->syncType, AppController::iTunesCurrentSong);
-    EXPECT_EQ(controller->syncMenu->currentIndex(), 2);
-    EXPECT_EQ(defaults.integer(QStringLiteral("syncKindDefaultKey")), 7);
-    command("followAction")->trigger();
-    EXPECT_FALSE(controller->syncCheckbox->isChecked());
-    emit controller->syncMenu->activated(3);
-    EXPECT_TRUE(command("followPlayerAction")->isChecked());
 }
 
 TEST(FileIcons, AreToldApartWithoutATheme) {

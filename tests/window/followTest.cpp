@@ -8,6 +8,7 @@
 #include <QDBusMessage>
 #include <QElapsedTimer>
 #include <csignal>
+#include <numeric>
 
 namespace sonarin {
 
@@ -34,7 +35,6 @@ TEST_F(Following, StartsWithTheStoredKind) {
         const int expected = items.contains(kind.toInt()) ? kind.toInt() : 5;
         EXPECT_EQ(started.syncType, expected);
         EXPECT_EQ(started.syncMenu->currentIndex(), items.at(expected));
-        EXPECT_EQ(started.syncMenu->count(), 4);
         EXPECT_TRUE(started.syncCheckbox->isChecked());
         EXPECT_EQ(sources.questions, 0);              // the first tick asks
         EXPECT_EQ(stored(syncKind), kind.toString()); // no default is written, a wrong value stays
@@ -67,19 +67,21 @@ TEST_F(Following, TakesExactlyOnePath) {
     }
 
     sources.answers[Question::playerSelection] = Paths{QByteArray(), a}; // one of two has a file
-    controller->syncMenu->setCurrentIndex(3);
     emit controller->syncMenu->activated(3);
-    EXPECT_EQ(stored(syncKind), "6");
     EXPECT_TRUE(shows("A")); // at once
+    EXPECT_TRUE(command("followPlayerAction")->isChecked());
+    EXPECT_EQ(stored(syncKind), "6");
     sources.answers[Question::trackPlaying] = Paths{b};
     for (const bool isRunning : {false, true}) {
         sources.isRunning = isRunning;
-        controller->useCurrentiTunesSongForSync();
+        command("followTrackAction")->trigger();
         EXPECT_TRUE(shows(isRunning ? "B" : "A"));
     }
+    EXPECT_EQ(controller->syncMenu->currentIndex(), 2);
 
     controller->gUpdateTimer->start();
-    controller->syncCheckbox->setChecked(false);
+    command("followAction")->trigger();
+    EXPECT_FALSE(controller->syncCheckbox->isChecked());
     const int asked = sources.questions;
     selected = Paths{a};
     controller->useFinderForSync();
@@ -96,6 +98,7 @@ protected:
     OnTheBus() : busSources(&bus) {
         openWindow(&busSources);
         controller->gUpdateTimer->start();
+        controller->useCurrentiTunesSongForSync();
     }
     ~OnTheBus() override { controller.reset(); }
 
@@ -115,7 +118,6 @@ protected:
 };
 
 TEST_F(OnTheBus, FollowsTheTrackPlaying) {
-    controller->useCurrentiTunesSongForSync();
     BusProgram first("org.mpris.MediaPlayer2.first");
     first.play(song("one"));
     EXPECT_TRUE(shows("one"));
@@ -134,18 +136,12 @@ TEST_F(OnTheBus, FollowsTheTrackPlaying) {
     EXPECT_TRUE(shows("strange"));
 }
 
-TEST_F(OnTheBus, BearsPlayersThatSayNonsense) {
-    controller->useCurrentiTunesSongForSync();
+TEST_F(OnTheBus, BearsPlayersThatSayNonsenseOrHang) {
     BusProgram bad("org.mpris.MediaPlayer2.bad");
     for (const char* line : {"ai Metadata", "as PlaybackStatus a b", "ai PlaybackStatus"}) {
         bad.tell(line);
         runFor(250);
     }
-    EXPECT_TRUE(followsAnother());
-}
-
-TEST_F(OnTheBus, IsNotHeldUpByAPlayerThatHangs) {
-    controller->useCurrentiTunesSongForSync();
     BusProgram frozen("org.mpris.MediaPlayer2.frozen");
     frozen.play(song("frozen"));
     EXPECT_TRUE(shows("frozen"));
@@ -166,21 +162,20 @@ TEST_F(OnTheBus, FollowsThePlayersSelection) {
 
 /// Many programs must not cost more than two; each has its turn, and who hangs loses it.
 TEST_F(OnTheBus, AsksTwoProgramsATick) {
-    std::vector<std::unique_ptr<BusProgram>> programs;
+    controller->useFinderForSync();
+    std::array<std::unique_ptr<BusProgram>, 6> programs;
     const QString one = fileUri(song("one"));
-    for (int i = 0; i < 6; ++i) {
-        programs.push_back(
-            std::make_unique<BusProgram>("org.sonarin.Selection1.FileManager.p" + std::to_string(i)));
-        programs.back()->select({i == 3 ? one : fileUri(song(std::to_string(i)))}, i == 3 ? 100 : i);
+    for (std::size_t i = 0; i < 6; ++i) {
+        const std::string number = std::to_string(i);
+        programs[i] = std::make_unique<BusProgram>("org.sonarin.Selection1.FileManager.p" + number);
+        programs[i]->select({i == 3 ? one : fileUri(song(number))}, i == 3 ? 100 : static_cast<int>(i));
     }
     EXPECT_TRUE(shows("one"));
     programs[5]->signal(SIGSTOP);
     const auto asked = [&] {
-        int sum = 0;
-        for (std::size_t i = 0; i < 5; ++i) {
-            sum += std::stoi(programs[i]->tell("asked"));
-        }
-        return sum;
+        return std::accumulate(programs.begin(), programs.end() - 1, 0, [](int sum, const auto& program) {
+            return sum + std::stoi(program->tell("asked"));
+        });
     };
     const int before = asked();
     runFor(2000);
@@ -195,22 +190,18 @@ TEST_F(OnTheBus, AsksTwoProgramsATick) {
 }
 
 TEST_F(OnTheBus, SaysWhatItFollows) {
+    controller->useFinderForSync();
     EXPECT_EQ(foot(), ""); // not before anybody could have answered
     EXPECT_TRUE(says("No file manager tells its selection: <a href=\"connect\">connect…</a>"));
     BusProgram files("org.sonarin.Selection1.FileManager.f");
-    struct Selection {
-        const char* program;
-        QStringList uris;
-        const char* said;
-    };
-    for (const Selection& c : std::vector<Selection>{
+    for (const auto& [program, uris, said] : std::vector<std::tuple<QString, QStringList, const char*>>{
              {"<b>Files & more", {}, "&lt;b&gt;Files &amp; more, nothing selected"},
              {"Files", {fileUri(song("one"))}, "Files, 1 selected"},
              {"Files", {QString()}, "Files, 1 selected, which is no file on this computer"},
              {"Files", {fileUri(song("two")), QString()}, "Files, 2 selected: nothing is shown"}}) {
-        files.tell(QStringLiteral("s Program ") + c.program);
-        files.select(c.uris, 1);
-        EXPECT_TRUE(says(c.said)) << foot();
+        files.tell("s Program " + program);
+        files.select(uris, 1);
+        EXPECT_TRUE(says(said)) << foot();
     }
     EXPECT_TRUE(shows("one"));
     files.signal(SIGSTOP);
@@ -269,7 +260,6 @@ TEST_F(Following, ChecksAddAndRemoveConnectors) {
 
 /// Also where a program was started, which makes a connection of GIO's.
 TEST_F(OnTheBus, GoesOnWhenTheBusIsBack) {
-    controller->useCurrentiTunesSongForSync();
     const std::shared_ptr<GDBusConnection> gio(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr),
                                                g_object_unref);
     controller->poweredByShelvix();
@@ -283,7 +273,6 @@ TEST_F(OnTheBus, GoesOnWhenTheBusIsBack) {
 
 /// A bus that takes connections and does not answer must not hold the window up.
 TEST_F(OnTheBus, WaitsForABusThatHangsBesideTheWindow) {
-    controller->useCurrentiTunesSongForSync();
     testBus.reset();
     startTestBus();
     testBus->signal(SIGSTOP);
@@ -315,12 +304,8 @@ TEST_F(Following, TheRunningProgramTakesOver) {
 
     SessionBus otherBus;
     EXPECT_FALSE(DesktopApplication(&otherBus, QStringLiteral("org.sonarin.Test")).takeName());
-    struct Case {
-        const char* method;
-        QVariantList arguments;
-        QString taken; ///< empty when it is refused
-    };
-    for (const Case& c : std::vector<Case>{
+    using Row = std::tuple<const char*, QVariantList, QString>; // what is taken is empty where it is refused
+    for (const auto& [method, arguments, expected] : std::vector<Row>{
              {"Open", {QStringList{"file:///a%20b.mp3", "file:///c.mp3"}}, "open /a b.mp3|/c.mp3"},
              {"Activate", {}, "activate"},
              {"ActivateAction", {"show-path", QVariantList{"/x"}}, "text /x"},
@@ -334,13 +319,13 @@ TEST_F(Following, TheRunningProgramTakesOver) {
              {"ActivateAction", {"other", QVariantList{"/x"}}, ""}}) {
         taken.clear();
         QDBusMessage message = QDBusMessage::createMethodCall("org.sonarin.Test", "/org/sonarin/Test",
-                                                              "org.freedesktop.Application", c.method);
-        message.setArguments(c.arguments + QVariantList{QVariantMap()});
+                                                              "org.freedesktop.Application", method);
+        message.setArguments(arguments + QVariantList{QVariantMap()});
         const QDBusPendingCall pending = otherBus.connection().asyncCall(message);
         EXPECT_TRUE(waitFor([&] { return pending.isFinished(); }));
         runFor(20); // files are opened behind the answer
-        EXPECT_EQ(pending.reply().type() == QDBusMessage::ReplyMessage, !c.taken.isEmpty()) << c.method;
-        EXPECT_EQ(taken, c.taken) << c.method;
+        EXPECT_EQ(pending.reply().type() == QDBusMessage::ReplyMessage, !expected.isEmpty()) << method;
+        EXPECT_EQ(taken, expected) << method;
     }
 }
 

@@ -20,14 +20,6 @@ namespace sonarin {
 
 std::unique_ptr<ChildProcess> testBus;
 
-namespace {
-
-namespace fs = std::filesystem;
-
-std::string programFolder; // NOLINT
-
-} // namespace
-
 bool waitFor(const std::function<bool()>& condition, int milliseconds) {
     QElapsedTimer timer;
     timer.start();
@@ -91,7 +83,7 @@ SlowDisk::SlowDisk() {
     fs::create_directory(folder_.path("the disk"));
     server_ = std::make_unique<ChildProcess>("'" SONARIN_SLOW_DISK "' '" + behind("") + "' '" +
                                              folder_.path("the disk") + "'");
-    isThere_ = !server_->read().empty();
+    isThere = !server_->read().empty();
 }
 
 SlowDisk::~SlowDisk() {
@@ -112,7 +104,6 @@ void installPrograms(const TestFolder& home) {
     for (const char* name : {"programs", "config", "data", "data/applications"}) {
         fs::create_directories(home.path(name));
     }
-    programFolder = home.path("programs/");
     const std::vector<std::pair<std::string, std::string>> entries = {
         {"cataloguer", "%u\nMimeType=x-scheme-handler/shelvix;\n"},
         {"browser", "%u\nMimeType=x-scheme-handler/http;x-scheme-handler/https;\n"},
@@ -137,7 +128,7 @@ void installPrograms(const TestFolder& home) {
 }
 
 std::string calledWith(const std::string& script, int milliseconds) {
-    const std::string log = programFolder + script + ".log";
+    const std::string log = qgetenv("HOME").toStdString() + "/programs/" + script + ".log";
     if (waitFor([&] { return fs::exists(log) && fs::file_size(log) > 0; }, milliseconds)) {
         runFor(50);
     }

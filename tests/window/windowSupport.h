@@ -15,6 +15,8 @@
 /// that answer what the test says.
 namespace sonarin {
 
+namespace fs = std::filesystem;
+
 /// Runs the event loop until the condition holds; false when it does not within that time.
 bool waitFor(const std::function<bool()>& condition, int milliseconds = 5000);
 /// Runs the event loop for that time.
@@ -46,12 +48,8 @@ public:
 class SlowDisk {
 public:
     SlowDisk();
-    SlowDisk(const SlowDisk&) = delete;
-    SlowDisk& operator=(const SlowDisk&) = delete;
     ~SlowDisk();
 
-    /// False where the system lets nobody make such a disk.
-    [[nodiscard]] bool isThere() const { return isThere_; }
     /// Puts a file onto the disk; answers its path there.
     [[nodiscard]] std::string write(const std::string& name, const std::string& content) const;
     [[nodiscard]] std::string song(const std::string& name, const std::string& title) const;
@@ -59,12 +57,13 @@ public:
     [[nodiscard]] std::string behind(const std::string& name) const { return folder_.path("disk/" + name); }
     /// Whatever hangs goes on.
     void answer() const { (void)folder_.write("disk/answer", ""); }
-    void hangAgain() const { std::filesystem::remove(behind("answer")); }
+    void hangAgain() const { fs::remove(behind("answer")); }
+
+    bool isThere = false; ///< stays so where the system lets nobody make such a disk
 
 private:
     TestFolder folder_;
     std::unique_ptr<ChildProcess> server_;
-    bool isThere_ = false;
 };
 
 /// Answers what the test says.

@@ -12,7 +12,6 @@
 
 namespace sonarin {
 
-namespace fs = std::filesystem;
 using sample::bytes;
 using sample::id3Frame;
 using sample::textFrame;
