@@ -17,10 +17,11 @@ namespace {
 using Paths = QList<QByteArray>;
 const QString syncKind = QStringLiteral("syncKindDefaultKey");
 
-class Following : public WindowTest {
-protected:
-    static QString stored(const QString& key) { return UserDefaults().value(key).toString(); }
-};
+using Following = WindowTest;
+
+QString stored(const QString& key) {
+    return UserDefaults().value(key).toString();
+}
 
 TEST_F(Following, StartsWithTheStoredKind) {
     const std::map<int, int> items = {{5, 0}, {6, 3}, {7, 2}};

@@ -7,13 +7,13 @@ namespace sonarin {
 
 namespace {
 
-const std::string program = "'" SONARIN_PROGRAM "' ";                             // NOLINT(cert-err58-cpp)
-const std::string programWithSong = program + "'" SONARIN_SAMPLES "/sample.mp3'"; // NOLINT(cert-err58-cpp)
+const std::string startAlone = "'" SONARIN_PROGRAM "' ";
+const std::string startWithSong = startAlone + "'" SONARIN_SAMPLES "/sample.mp3'";
 
 TEST(Program, ASecondStartHandsOverToTheFirst) {
-    ChildProcess first(program);
+    ChildProcess first(startAlone);
     ASSERT_TRUE(waitFor(isOnTheBus, 20000));
-    EXPECT_EQ(ChildProcess(programWithSong).exitCode(), 0);
+    EXPECT_EQ(ChildProcess(startWithSong).exitCode(), 0);
     EXPECT_EQ(first.exitCode(0), std::nullopt);
     first.signal(SIGTERM); // as the end of a session does
     EXPECT_EQ(first.exitCode(), 0);
@@ -21,10 +21,10 @@ TEST(Program, ASecondStartHandsOverToTheFirst) {
 }
 
 TEST(Program, ASecondStartReplacesAFirstThatHangs) {
-    ChildProcess first(program);
+    ChildProcess first(startAlone);
     ASSERT_TRUE(waitFor(isOnTheBus, 20000));
     first.signal(SIGSTOP);
-    ChildProcess second(programWithSong);
+    ChildProcess second(startWithSong);
     EXPECT_EQ(second.exitCode(6000), std::nullopt); // it has shown its own window by now
     first.signal(SIGCONT);
     EXPECT_EQ(first.exitCode(), 0);
@@ -35,14 +35,14 @@ TEST(Program, ASecondStartReplacesAFirstThatHangs) {
 }
 
 TEST(Program, RunsWithoutABus) {
-    ChildProcess alone("env DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere " + programWithSong);
+    ChildProcess alone("env DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere " + startWithSong);
     EXPECT_EQ(alone.exitCode(1500), std::nullopt);
 }
 
 TEST(Program, SaysWhyItDoesNotStart) {
     const std::string noDisplay = "env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM ";
     for (const auto& [command, code, says] : std::vector<std::tuple<std::string, int, const char*>>{
-             {program + "--foo", 2, "--foo"}, {noDisplay + program, 1, "display"}}) {
+             {startAlone + "--foo", 2, "--foo"}, {noDisplay + startAlone, 1, "display"}}) {
         ChildProcess started(command + " 2>&1");
         EXPECT_EQ(started.exitCode(), code);
         EXPECT_NE(started.read().find(says), std::string::npos) << says;
