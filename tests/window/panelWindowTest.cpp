@@ -100,11 +100,13 @@ TEST_F(PanelWindow, ShowsCoversInPointsWholeOrNotAtAll) {
         EXPECT_EQ(controller->coverArtDetailsField->text().toStdString(),
                   size + ", " + std::to_string(picture.size() + 1) + " bytes");
         const QColor last = controller->fileIconField->image().copy(499, 249, 1, 1).pixelColor(0, 0);
+        EXPECT_EQ(controller->fileIconField->showsImage(), size != "0 x 0") << size;
         EXPECT_EQ(last.red() > 250 && last.green() < 5, size != "0 x 0") << size;
         std::atomic<bool> isWanted = false;
         EXPECT_EQ(makeHostPicture({reinterpret_cast<const std::uint8_t*>(picture.data()), picture.size()},
                                   &isWanted),
-                  nullptr);
+                  nullptr)
+            << size;
     }
 }
 
