@@ -36,4 +36,5 @@ class Connect(Folder):
         self.calls(("--everything", 2, "unknown option --everything\n", [".config"]),
                    ("--remove", 2, "--remove needs a program, or --all\n", [".config"]),
                    ("nautilus", 1, f"nautilus: {missing}", [".config"]), ("no/such", 1, f"no/such: {missing}", [".config"]),
+                   ("quodlibet", 1, "Quod Libet: Not a directory\n", [".config"]),
                    ("quodlibet thunar", 1, f"thunar: {missing}sonarin-connect: Quod Libet: Not a directory\n", [".config"]))
