@@ -76,7 +76,7 @@ class Library(Folder):
         self.shows(["--files0-from", "-"], names, stdin=slow.stdout)
 
     def test_many_files_come_in_order(self):
-        self.write("small.mp3")
+        self.write("small.mp3", SAMPLE.read_bytes())
         self.write("large.mp3", id3_tag(frame(b"USLT", b"\0eng\0" + b"la " * 100000)) + SOUND)
         self.write("slow.mp3", b"\xff" * 100000000)
         paths = ["slow.mp3", *["large.mp3", "small.mp3", "gone.mp3"] * 30, "slow.mp3"]
