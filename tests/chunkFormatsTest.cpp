@@ -27,7 +27,7 @@ TEST(Wave, ReadsPCMAndCompressedFormatsWithTheirFact) {
                           const std::string& behind = "") {
         return riffForm(riffChunk("JUNK", "1234") + formatChunk(fields) + behind + sound, formSize);
     };
-    const WaveFields unknown = {0xFFFE, 1, 44100, 88200, 16};
+    const WaveFields other = {0xFFFE, 1, 44100, 88200, 16};
     expectEach(
         waveFacts,
         {{" seconds=10 rate=44100", {wave({1, 2, 9, 176400, 16})}},
@@ -44,8 +44,8 @@ TEST(Wave, ReadsPCMAndCompressedFormatsWithTheirFact) {
          {" seconds=10 rate=8000 mode=3",
           {wave({6, 1, 0, 8000, 8}, 0, riffChunk("fact", littleEndian(80000)))}},
          // what was found stays
-         {" failed rate=44100 mode=3", {wave(unknown, 0), riffForm(fact + formatChunk(unknown) + sound, 0)}},
-         {" failed", {riffForm(fact + sound, 0)}}});
+         {" result=-1 rate=44100 mode=3", {wave(other, 0), riffForm(fact + formatChunk(other) + sound, 0)}},
+         {" result=-1", {riffForm(fact + sound, 0)}}});
 }
 
 TEST(Wave, EndsItsWalkAtTheEndOfTheFile) {
@@ -54,11 +54,11 @@ TEST(Wave, EndsItsWalkAtTheEndOfTheFile) {
     const std::string cutFact = riffChunk("fact", "1234").substr(0, 11);
     expectEach(waveFacts,
                {{" seconds=10 rate=44100", {riffForm(odd + format, 1764036)}}, // no pad byte
-                {" failed",
+                {" result=-1",
                  {riffForm(odd + '\0' + format, 0), riffForm("huge\xFF\xFF\xFF\xFF" + format, 0),
                   riffForm(format.substr(0, 23), 0), "", "RIFF", "RIFFxxxxWAV",
                   "RIFX" + riffForm(format, 0).substr(4), riffForm(format, 0).replace(8, 4, "WAVX")}},
-                {" failed rate=44100", {riffForm(formatChunk({0x11}) + cutFact, 0)}}});
+                {" result=-1 rate=44100", {riffForm(formatChunk({0x11}) + cutFact, 0)}}});
 }
 
 TEST(Aiff, ReadsTheCommonChunk) {
@@ -98,11 +98,11 @@ TEST(Aiff, ReadsTagsOnBothSidesAndFailsOnWhatItCannotReadToTheEnd) {
                {{" seconds=10 rate=44100 mode=3 tag=3 title=Title",
                  {aiff(tagChunk + common + sound), aiff(common + tagChunk + sound),
                   aiff(common + sound + tagChunk)}},
-                {" failed tag=3 title=Title", {aiff(tagChunk + sound)}},
+                {" result=-1 tag=3 title=Title", {aiff(tagChunk + sound)}},
                 {" seconds=10 rate=44100 mode=3",
                  {aiff(brief + sound), aiff(common + iffChunk("COMM", "")), // eight bytes are no chunk
                   aiff(common + "huge\xFF\xFF\xFF\xFF" + std::string(20, 'x'))}},
-                {" failed",
+                {" result=-1",
                  {aiff(brief), // four more bytes are read than the chunk has
                   aiff(common + brief), aiff(common + iffChunk("COMM", "c")), // nine bytes are a cut one
                   iffForm("AIFX", common), "FORM"}}});

@@ -98,8 +98,8 @@ TEST(Mpeg4, FindsTheMovieWhereverItIsOrFails) {
                 // Missing children are looked for beyond their parent.
                 {" seconds=5 title=far", {headed(atom("moov", "") + header + list)}},
                 // What was found stays.
-                {" failed seconds=5 kbit=8", {headed(atom("moov", header) + std::string(8192, '\0'))}},
-                {" failed",
+                {" result=-1 seconds=5 kbit=8", {headed(atom("moov", header) + std::string(8192, '\0'))}},
+                {" result=-1",
                  {"", "\0\0\0\x10"s, atom("wide", "") + headed(movieAtom("")),
                   "\0\0\0\0ftyp"s + movieAtom(""), headed("\0\0\0\1mdat"s + std::string(100, '\0')),
                   headed(atom("free", "16 bytes") + wrap + movieAtom("")),
@@ -108,9 +108,9 @@ TEST(Mpeg4, FindsTheMovieWhereverItIsOrFails) {
                   headed(atom("moov", longAtom("mvhd", std::string(100, '\0')) + list))}}});
     // Positions beyond 4 GiB are not searched, and the search takes the size's low 32 bits for the end.
     const std::string farAway = "\0\0\0\1mdat"s + bigEndian(std::uint64_t{5} << 30U, 8);
-    EXPECT_EQ(mpeg4Facts(headed(farAway), (std::uint64_t{5} << 30U) + 5000), " failed");
+    EXPECT_EQ(mpeg4Facts(headed(farAway), (std::uint64_t{5} << 30U) + 5000), " result=-1");
     const std::string nearby = atom("free", std::string(100, '\0')) + movieAtom("");
-    EXPECT_EQ(mpeg4Facts(headed(nearby), (std::uint64_t{1} << 32U) + 100), " failed");
+    EXPECT_EQ(mpeg4Facts(headed(nearby), (std::uint64_t{1} << 32U) + 100), " result=-1");
 }
 
 TEST(Mpeg4, EndsTheItemWalkWhereItMust) {

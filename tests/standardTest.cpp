@@ -75,7 +75,7 @@ TEST(ByStandard, ChoosesRemarksYearsAndPictures) {
     };
     // Whether pictures are loaded or only found.
     const auto facts = [](const std::string& frames) {
-        const std::string tag = id3Tag(frames, 16, 4);
+        const std::string tag = id3Tag(frames);
         const audioTags found = readTag(tag, {Pictures::find, nullptr, TagReading::byStandard}).first;
         EXPECT_FALSE(found.mp3CoverArt);
         EXPECT_EQ(factsOf(found, tag), factsOf(readTag(tag, byStandard).first));
@@ -83,21 +83,21 @@ TEST(ByStandard, ChoosesRemarksYearsAndPictures) {
     };
     expectEach(
         facts,
-        {{" tag=4 comment=wide", {itunes + described + empty + wide + frame("COMM", "\0eng\0second"s)}},
-         {" tag=4 comment=described", {described + itunes + frame("COMM", "\0engb\0other"s)}},
-         {" tag=4", {itunes + empty + frame("COMM", "\0eng"s), frame("APIC", "\0image/png\0\3never ended"s)}},
-         {" tag=4 lyrics=all", {frame("USLT", "\0engx\0chorus"s) + frame("USLT", "\0eng\0all\0no"s)}},
-         {" tag=4 year=2004", {old + recorded, recorded + old + recordedAt("2010")}},
-         {" tag=4 year=1999",
+        {{" tag=3 comment=wide", {itunes + described + empty + wide + frame("COMM", "\0eng\0second"s)}},
+         {" tag=3 comment=described", {described + itunes + frame("COMM", "\0engb\0other"s)}},
+         {" tag=3", {itunes + empty + frame("COMM", "\0eng"s), frame("APIC", "\0image/png\0\3never ended"s)}},
+         {" tag=3 lyrics=all", {frame("USLT", "\0engx\0chorus"s) + frame("USLT", "\0eng\0all\0no"s)}},
+         {" tag=3 year=2004", {old + recorded, recorded + old + recordedAt("2010")}},
+         {" tag=3 year=1999",
           {old + recordedAt("x"), old + recordedAt("-2004"), old + recordedAt("20040506")}},
-         {" tag=4 track=3 of=12", {frame("TRCK", "\0003/12\0009"s)}},
-         {" tag=4 track=3", {textFrame("TRCK", "3") + frame("TRCK", "\t7") + frame("TRCK", "\0"s)}},
-         {" tag=4 picture=JPEG:\xFF\xD8x", {picture(0, "BM1") + picture(3, "\xFF\xD8x") + picture(3, "no")}},
-         {" tag=4 picture=PNGf:\x89PNG", {picture(4, "\x89PNG") + picture(5, "no")}},
-         {" tag=4 picture=GIFf:GIF89", {picture(3, "") + picture(1, "GIF89")}},
+         {" tag=3 track=3 of=12", {frame("TRCK", "\0003/12\0009"s)}},
+         {" tag=3 track=3", {textFrame("TRCK", "3") + frame("TRCK", "\t7") + frame("TRCK", "\0"s)}},
+         {" tag=3 picture=JPEG:\xFF\xD8x", {picture(0, "BM1") + picture(3, "\xFF\xD8x") + picture(3, "no")}},
+         {" tag=3 picture=PNGf:\x89PNG", {picture(4, "\x89PNG") + picture(5, "no")}},
+         {" tag=3 picture=GIFf:GIF89", {picture(3, "") + picture(1, "GIF89")}},
          // a link, and no known type
-         {" tag=4 picture=(absent):?", {picture(3, "http://", "-->") + picture(0, "?")}},
-         {" tag=4 picture=TIFF:MM\0*"s, {frame("APIC", "\1a\0\3"s + mark + utf16("d") + "\0\0MM\0*"s)}}});
+         {" tag=3 picture=(absent):?", {picture(3, "http://", "-->") + picture(0, "?")}},
+         {" tag=3 picture=TIFF:MM\0*"s, {frame("APIC", "\1a\0\3"s + mark + utf16("d") + "\0\0MM\0*"s)}}});
     EXPECT_EQ(factsOf(readTag(id3Tag(id3Frame("PIC", "\0PNG\3\0BM"s), 9, 2), byStandard).first),
               " tag=2 picture=BMPf:BM");
 }

@@ -64,16 +64,16 @@ inline std::string factsOf(const audioTags& r, const std::string& file = {}) {
                 : " picture=" + plain(fourCharacterText(r.mp3CoverArtType)) + ":" + picture);
 }
 
-/// The same of a file, behind "failed" where the reader says so.
+/// The same of a file, behind the result where that is none of success.
 inline std::string factsOf(const ReadResult& read) {
-    return (read.result == 0 ? "" : " failed") + factsOf(read.record);
+    return (read.result == 0 ? "" : " result=" + std::to_string(read.result)) + factsOf(read.record);
 }
 
 /// How long an MPEG stream lasts, and its bit rate.
 inline std::string lengthOf(const std::string& stream, std::uint64_t sizeOnDisk = 0,
                             TagReading tags = TagReading::usual) {
     const auto [result, r] = readFileAs("x.mp3", stream, sizeOnDisk, tags);
-    return (result == 0 ? "" : "failed ") + std::to_string(r.mp3SongLen) + " s of " +
+    return (result == 0 ? "" : std::to_string(result) + ": ") + std::to_string(r.mp3SongLen) + " s of " +
            (r.mp3HasVBR != 0 ? "about " : "") + std::to_string(r.mp3BitRate) + " kbit/s";
 }
 

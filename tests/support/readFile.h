@@ -14,19 +14,6 @@ struct ReadResult {
     audioTags record;
 };
 
-/// The texts, year and track of a record, in the order of their members.
-inline std::string tagsOf(const audioTags& record) {
-    std::string tags;
-    for (const SvxStringRef& text :
-         {record.mp3SongTitleString, record.mp3ArtistString, record.mp3AlbumString, record.mp3ComposerString,
-          record.mp3CommentString, record.mp3Genre2String, record.mp3LyricsString,
-          record.mp3EncoderAppString}) {
-        tags += (text ? plain(text) : "-") + "|";
-    }
-    return tags + std::to_string(record.mp3Year) + "|" + std::to_string(record.mp3TheTrack) + "/" +
-           std::to_string(record.mp3TrackAmount);
-}
-
 /// Reads a file of that name and content through the engine's front door; a size beyond the content leaves a
 /// hole at its end.
 inline ReadResult readFileAs(const std::string& name, const std::string& content,
