@@ -268,15 +268,15 @@ TEST(ByStandard, TakesLengthsFromTheEncodersHeader) {
     const std::string all = bigEndian(15) + both.substr(4) + std::string(100, '\0') + bigEndian(0);
     const std::string behind = std::string(12, '\0') + "\x24\x04\x38"; // what the encoder added
     expectEach([](const std::string& content) { return lengthOf(content, 0, TagReading::byStandard); },
-               {{"10 s of about 80 kbit/s",
+               {{"10 s of ~80 kbit/s",
                  {audio(36, "Xing" + both),
                   audio(36, "VBRI" + bigEndian(0, 6) + bigEndian(100000) + bigEndian(383), 0xFFFB90C0),
                   audio(13, "Xing" + both, 0xFFF390C0)}}, // 576 samples
-                {"20 s of about 40 kbit/s", {audio(13, "Xing" + both, 0xFFF590C0)}},
-                {"10 s of about 4 kbit/s", {audio(36, "Xing" + frames)}}, // by the file's own size
+                {"20 s of ~40 kbit/s", {audio(13, "Xing" + both, 0xFFF590C0)}},
+                {"10 s of ~4 kbit/s", {audio(36, "Xing" + frames)}}, // by the file's own size
                 {"10 s of 128 kbit/s",
                  {audio(36, "Info" + both), audio(36, "Info" + frames + "LAME3.88x" + behind)}},
-                {"9 s of about 80 kbit/s", {audio(36, "Xing" + all + "LAME3.100" + behind)}},
+                {"9 s of ~80 kbit/s", {audio(36, "Xing" + all + "LAME3.100" + behind)}},
                 {"9 s of 128 kbit/s", {audio(36, "Info" + frames + "Lavc60xyz" + behind)}},
                 {"0 s of 128 kbit/s", {audio(36, "Info" + bigEndian(1) + bigEndian(0))}}});
     const std::string xing = audio(36, "Xing" + bigEndian(1) + bigEndian(1));

@@ -69,12 +69,12 @@ inline std::string factsOf(const ReadResult& read) {
     return (read.result == 0 ? "" : " result=" + std::to_string(read.result)) + factsOf(read.record);
 }
 
-/// How long an MPEG stream lasts, and its bit rate.
+/// How long an MPEG stream lasts, and its bit rate, with "~" where that varies.
 inline std::string lengthOf(const std::string& stream, std::uint64_t sizeOnDisk = 0,
                             TagReading tags = TagReading::usual) {
     const auto [result, r] = readFileAs("x.mp3", stream, sizeOnDisk, tags);
     return (result == 0 ? "" : std::to_string(result) + ": ") + std::to_string(r.mp3SongLen) + " s of " +
-           (r.mp3HasVBR != 0 ? "about " : "") + std::to_string(r.mp3BitRate) + " kbit/s";
+           std::string(r.mp3HasVBR, '~') + std::to_string(r.mp3BitRate) + " kbit/s";
 }
 
 /// The record of a tag at the start of a file in which `behind` follows it, and the place behind the tag.
