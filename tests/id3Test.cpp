@@ -150,7 +150,7 @@ TEST(FrameText, IsRecognisedByItsBytes) {
     expectRows(decoded, {"Hello -> Hello", "Hello\0 -> Hello"s, "Hello\0\0 -> Hello\0"s, " -> ", "\0 -> \0"s,
                          "english -> lis", "eng -> eng", "engl -> engl", "eng\0Nice\0 -> Nice"s,
                          "eng\0Caf\xE9\0 -> CafÈ"s, "eng\0Caf\xC3\xA9\0 -> Café"s, "iTunSMP -> iTunSMP",
-                         "engdesc\0text\0 -> desc\0text"s});
+                         "engdesc\0text\0 -> desc\0text"s, "esp\0Hola\0 -> esp\0Hola"s});
     // A last byte is taken for a terminator; one of zero is dropped from three bytes on.
     expectRows(decoded, {"eng\0Nice -> Nic"s, "a\0 -> a"s});
     expectRows(decoded, {"Caf\xE9 -> (absent)", "Caf\xC3\xA9 -> (absent)", "\xFE\xFF\0H\0i -> (absent)"s,

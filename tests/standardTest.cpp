@@ -48,6 +48,7 @@ TEST(ByStandard, DecodesTextsAsTheyAreDeclared) {
                 {"AĂ", {tag("\1\xFE\xFF\0A\x01\x02"s)}},
                 // without a mark, and half a unit at the end; against the declaration
                 {"A", {tag("\1" + utf16("A") + "x"), tag("\2" + mark + utf16("A"))}},
+                {"ABC", {tag("\2\0A\0B\0C"s), tag("\2\0A\0B\0Cx"s)}},
                 {"A / B",
                  {tag("\2\0A\0\0\0B"s),
                   id3Tag(textFrame("TIT2", "A") + textFrame("TIT2", "B") + textFrame("TIT2", "A / B"))}},

@@ -206,7 +206,7 @@ TEST(TextValue, LeavesAsUtf8AndAsUrl) {
 TEST(TextValue, MakesNewTexts) {
     EXPECT_EQ(plain(SvxStringCreateWithFormat("%i of %li, %@%% %x", {3, 12, text("日")})),
               "3 of 12, 日%% %x");
-    EXPECT_EQ(plain(SvxStringCreateWithFormat("<%@>", {SvxStringGetEmpty()})), "<>");
+    EXPECT_EQ(plain(SvxStringCreateWithFormat("<%@> %@", {SvxStringGetEmpty()})), "<> %@");
 
     SvxStringRef joined = text("a");
     const SvxStringRef shared = joined;
@@ -246,8 +246,8 @@ TEST(Display, FormatsNumbersAsTheUserDoes) {
 }
 
 TEST(Display, FormatsDurations) {
-    EXPECT_EQ(joined<std::uint32_t>({0, 59, 61, 600, 3600, 3601, 65535}, SvxStringMakeDurationString),
-              "0:00|0:59|1:01|10:00|60:00|1:00:01|18:12:15|");
+    EXPECT_EQ(joined<std::uint32_t>({0, 59, 61, 600, 3600, 3601, 7199, 65535}, SvxStringMakeDurationString),
+              "0:00|0:59|1:01|10:00|60:00|1:00:01|1:59:59|18:12:15|");
     EXPECT_EQ(joined<std::uint32_t>({9, 123}, SvxStringMakePaddedNumberString), "09|123|");
 }
 
