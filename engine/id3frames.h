@@ -11,6 +11,9 @@
 /// What all ways of reading an ID3v2 tag have in common: which frames are looked for, and the walk over them.
 namespace sonarin {
 
+/// "ID3", major version, revision, flags, synchsafe size (ID3v2.3, section 3.1).
+inline constexpr std::uint32_t tagHeaderSize = 10;
+
 enum class FrameKind : std::uint8_t {
     text,
     genre,

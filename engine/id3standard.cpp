@@ -20,7 +20,6 @@ namespace sonarin {
 
 namespace {
 
-constexpr std::uint32_t tagHeaderSize = 10;
 constexpr std::uint32_t frameHeaderSize = 10; ///< since version 3
 
 /// A tag's header (ID3v2.4, section 3.1).

@@ -16,8 +16,6 @@ namespace sonarin {
 
 namespace {
 
-// Tag header (ID3v2.3, section 3.1): "ID3", major version, revision, flags, synchsafe size.
-constexpr std::uint32_t tagHeaderSize = 10;
 constexpr std::uint8_t extendedHeaderFlag = 0x40;
 
 /// Texts are recognised by their bytes, and every size is a plain number, in version 4 too, whose definition
