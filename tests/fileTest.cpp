@@ -217,6 +217,9 @@ TEST(MountPoints, AreFoundByTheWholeNamesOfFolders) {
         EXPECT_EQ(mountPointOf(path, points), point) << path;
     }
     EXPECT_EQ(mountPointOf("/proc/self/mountinfo", hostMountPoints()), "/proc");
+    const TestFolder folder;
+    const std::string table = folder.write("mountinfo", "36 35 98:0 / /a\\040b\\134 rw - ext4 x\n");
+    EXPECT_EQ(hostMountPoints(table.c_str()), std::vector<std::string>{"/a b\\"});
 }
 
 std::int32_t rename(const std::string& path, const SvxStringRef& name) {

@@ -110,10 +110,16 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
     std::vector<std::string> tags = {
         id3Tag(frame("TXXX", longText) + title, 16, 4), id3Tag(plainSize + title, 0, 4),
         id3Tag(plainSize + title, 600, 4), id3Tag(title + id3Frame("TXXX", std::string(128, 'x')), 0, 4),
+        // Ids of version 2 among them.
+        id3Tag(plainSize + id3Frame("TS2 ", "x") + title, 60, 4),
+        id3Tag(plainSize + id3Frame("TCP\0"s, "x") + title, 60, 4),
         // Plain ones, where a frame holds what might be the next one's start, or padding.
         id3Tag(id3Frame("APIC", padded(zeros, 0x1340, 'x')) + title, 90, 4),
         id3Tag(id3Frame("TPE1", "\0"s + repeated(79, "LOUD") + "LOU") + title, 90, 4),
         id3Tag("TXXX\0\0\0\0\0\0"s + title), // an empty frame
+        // What is no frame stands where a plain size would lead.
+        id3Tag(padded(frame("TXXX", longText) + title, 10 + 0x022C, 'x') + repeated(3, "XXX\1\0\0\0\0\0\0"s),
+               60, 4),
         // Extended headers; one that does not fit is none.
         id3Tag(bigEndian(6) + std::string(6, '\0') + title, 9, 3, 0x40),
         id3Tag(bigEndian(6) + "\1\0"s + title, 9, 4, 0x40), id3Tag(title, 9, 3, 0x40),

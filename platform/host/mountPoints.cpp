@@ -30,10 +30,10 @@ bool isBelow(const std::string& path, const std::string& folder) {
 
 } // namespace
 
-std::vector<std::string> hostMountPoints() {
+std::vector<std::string> hostMountPoints(const char* table) {
     std::vector<std::string> points;
-    std::ifstream table("/proc/self/mountinfo");
-    for (std::string line; std::getline(table, line);) {
+    std::ifstream mounts(table);
+    for (std::string line; std::getline(mounts, line);) {
         std::istringstream fields(line);
         std::string number;
         std::string parent;
