@@ -117,9 +117,18 @@ constexpr auto inOrder = [] {
             *next++ = &fact;
         }
     }
-    std::ranges::sort(ordered, {}, [](const PanelFact* fact) { return std::pair(fact->*place, fact); });
+    std::ranges::sort(ordered, {}, [](const PanelFact* fact) { return fact->*place; });
     return ordered;
 }();
+
+/// Whether each place is taken once.
+template <int PanelFact::*place>
+constexpr bool isCounted = [] {
+    int last = 0;
+    return std::ranges::all_of(inOrder<place>,
+                               [&last](const PanelFact* fact) { return fact->*place == ++last; });
+}();
+static_assert(isCounted<&PanelFact::placeInText> && isCounted<&PanelFact::placeInJson>);
 
 } // namespace
 
