@@ -148,11 +148,8 @@ std::uint32_t estimateBitRate(std::uint32_t timeScale, std::uint32_t duration, s
     constexpr std::uint32_t otherBytes = 4096;
     const auto bytes =
         static_cast<std::int32_t>(static_cast<std::uint32_t>(fileSize - movieHeader) - otherBytes);
-    if (bytes < 0) {
-        return 0;
-    }
     const std::uint64_t rate = divide(std::uint64_t{timeScale} << 16U, duration);
-    const std::uint64_t bytesPerSecond = (static_cast<std::uint64_t>(bytes) * rate) >> 16U;
+    const std::uint64_t bytesPerSecond = (static_cast<std::uint64_t>(std::max(bytes, 0)) * rate) >> 16U;
     const std::uint64_t eighths = bytesPerSecond / 128;
     return static_cast<std::uint32_t>((eighths + 7) / 8 * 8);
 }

@@ -125,7 +125,6 @@ std::int32_t mp3ReadV2TagsWithin(ReadBudget* budget, audioTags* record, std::uin
 }
 
 void mp3DecodeTrackInfo(const SvxStringRef& text, std::uint16_t* track, std::uint16_t* amount) noexcept {
-    *track = 0;
     *amount = 0;
     static const SvxStringRef slash = SvxStringFromCString("/");
     const SvxIndex at = SvxStringPosition(text, slash, 0, true);

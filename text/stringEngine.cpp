@@ -168,13 +168,15 @@ SvxStringRef makeFormatted(std::string_view format, std::initializer_list<SvxFor
 template <class Units, class OnPart>
 void forEachPart(Units units, OnPart onPart) {
     constexpr char16_t byteOrderMark = 0xFEFF;
-    for (std::size_t start = 0; start < units.size();) {
-        const std::size_t end = std::min(units.find(typename Units::value_type{}, start), units.size());
-        const std::size_t mark = unitOf(units[start]) == byteOrderMark ? 1 : 0;
-        if (start + mark < end) {
-            onPart(units.substr(start + mark, end - start - mark));
+    while (!units.empty()) {
+        Units part = units.substr(0, units.find(typename Units::value_type{}));
+        units.remove_prefix(std::min(part.size() + 1, units.size()));
+        if (!part.empty() && unitOf(part.front()) == byteOrderMark) {
+            part.remove_prefix(1);
         }
-        start = end + 1;
+        if (!part.empty()) {
+            onPart(part);
+        }
     }
 }
 
