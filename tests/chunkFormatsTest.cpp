@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "engine/miAIFF.h"
+#include "engine/miWAVE.h"
 #include "tests/support/readBytes.h"
 
 namespace sonarin {
@@ -117,6 +118,8 @@ TEST(Aiff, FillsWhatIsGiven) {
     EXPECT_TRUE(miGetAIFFInfo(path, nullptr, nullptr));
     EXPECT_TRUE(miGetAIFFInfo(path, &info, nullptr));
     EXPECT_EQ(info.sampleSize, 24U);
+    EXPECT_FALSE(miGetWAVInfo(path, &info));
+    EXPECT_EQ(info.sampleSize, 0U);
     EXPECT_TRUE(miGetAIFFInfo(path, nullptr, &record));
     EXPECT_EQ(factsOf(record), " tag=3 title=Title");
 }

@@ -2,13 +2,16 @@
 #include "app/findMenu.h"
 #include "app/panelTexts.h"
 #include "app/renameMenu.h"
+#include "app/renameOutcome.h"
 #include "app/textOutput.h"
 #include "cli/jsonOutput.h"
+#include "engine/fileEngine.h"
 #include "tests/support/testFolder.h"
 #include "text/stringEngine.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <regex>
 #include <tuple>
 #include <utility>
@@ -185,6 +188,15 @@ TEST(Panel, OffersNamesAndSearches) {
     }
     EXPECT_EQ(plain(findEntryTitle(FindKey::year, fullRecord())), "Find all songs of 1999 in Shelvix");
     EXPECT_TRUE(findKeys({}).empty());
+}
+
+TEST(Panel, SaysWhyAFileWasNotRenamed) {
+    for (const auto& [error, name, said] :
+         {std::tuple(EINVAL, "a/b", "a name cannot hold a slash"),
+          {EINVAL, "..", "no file can have that name"},
+          {ESHUTDOWN, "x", "Cannot send after transport endpoint shutdown"}}) { // its number is 108
+        EXPECT_EQ(renameOutcome(feHostError(error), text(name)), std::string("Not renamed: ") + said);
+    }
 }
 
 } // namespace

@@ -314,6 +314,7 @@ TEST(LocalizedStrings, ParseTheirSyntax) {
     EXPECT_EQ(
         parseStringsFile("/* a */ \"k\" = \"v\"; // b\n\"q\\\"\" = \"\\n\\t\\\\ \\U00e9\\Ud83c\\Udfb5\";"),
         (Entries{{"k", "v"}, {"q\"", "\n\t\\ é🎵"}}));
+    EXPECT_EQ(parseStringsFile("/*/ \"a\" = \"b\"; */ \"k\" = \"v\";"), (Entries{{"k", "v"}}));
     for (const char* broken : {"\"k\" = \"v\"", "\"k\" \"v\";", "\"k\" = \"\\Ud83c\";", "\"k", "\\", "/* "}) {
         EXPECT_TRUE(parseStringsFile(broken).empty()) << broken;
     }
