@@ -28,8 +28,9 @@ public:
     }
 
     [[nodiscard]] std::string path(const std::string& name) const { return path_ + "/" + name; }
-    /// Writes the file anew and answers its path.
+    /// Writes the file anew, in folders that it makes, and answers its path.
     std::string write(const std::string& name, const std::string& content) const {
+        std::filesystem::create_directories(std::filesystem::path(path(name)).parent_path());
         std::ofstream(path(name), std::ios::binary) << content;
         return path(name);
     }

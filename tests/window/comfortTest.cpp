@@ -317,7 +317,7 @@ TEST_F(Comfort, OpenedFilesAreRemembered) {
     open(a);
     EXPECT_EQ(entries(), "[No File Yet]");
     EXPECT_FALSE(switchOf()->isChecked());
-    EXPECT_FALSE(QFile::permissions(preferencesFile()) & (QFile::ReadGroup | QFile::ReadOther));
+    EXPECT_FALSE(QFile::permissions(preferencesFile) & (QFile::ReadGroup | QFile::ReadOther));
 }
 
 TEST(FileIcons, AreToldApartWithoutATheme) {

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <chrono>
 
 /// Real widgets on Qt's offscreen platform, preferences in a folder of the tests' own, and a bus of their
 /// own.

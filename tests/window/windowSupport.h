@@ -2,14 +2,11 @@
 #pragma once
 
 #include "app/window/AppController.h"
+#include "platform/desktop/fileUri.h"
 #include "tests/support/childProcess.h"
 #include "tests/support/testFolder.h"
 
-#include <QStringList>
-#include <filesystem>
-#include <functional>
 #include <map>
-#include <memory>
 
 /// What the tests of the window share: a bus of their own, programs on it, a disk that is slow, and sources
 /// that answer what the test says.
@@ -25,6 +22,14 @@ void runFor(int milliseconds);
 /// Waits until the file chosen last has been read, which a busy machine may leave to go on by itself.
 void waitForFile(const AppController& controller);
 
+QString pathOf(const std::string& path);
+inline QString fileUri(const std::string& path) {
+    return fileUriOfPath(QByteArray::fromStdString(path));
+}
+
+/// An MPEG file with those texts in its tag.
+std::string songFile(const std::string& title, const std::string& artist = "");
+
 /// The session bus of this test program. The address stays the same when it is started again.
 extern std::unique_ptr<ChildProcess> testBus;
 void startTestBus();
@@ -35,24 +40,49 @@ bool isOnTheBus();
 /// Another program on the bus, under one or more names with a blank between them.
 class BusProgram : public ChildProcess {
 public:
-    explicit BusProgram(const std::string& names);
-
+    explicit BusProgram(const std::string& names) : ChildProcess("'" SONARIN_PUBLISHER "' " + names) {
+        (void)read(); // until it has its names
+    }
     /// Tells it a property, in the words of tools/publisher.cpp; answers its answer.
-    std::string tell(const QString& line);
-    void play(const std::string& path, const QString& status = QStringLiteral("Playing"));
-    void select(const QStringList& uris, int activeSince);
+    std::string tell(const QString& line) {
+        write(line.toStdString() + '\n');
+        return read();
+    }
+    void play(const std::string& path, const QString& status = QStringLiteral("Playing")) {
+        tell("m xesam:url " + fileUri(path));
+        tell("s PlaybackStatus " + status);
+    }
+    void select(const QStringList& uris, int activeSince) {
+        tell((QStringList{"as", "Selected"} + uris).join(u' '));
+        tell("x ActiveSince " + QString::number(activeSince));
+    }
 };
 
 /// A disk whose files are slow by their names, as tests/support/slow_disk.py says. What hangs on it goes on
 /// when its owner goes.
 class SlowDisk {
 public:
-    SlowDisk();
-    ~SlowDisk();
+    SlowDisk() {
+        const std::string place = folder_.path("the disk");
+        fs::create_directories(behind(""));
+        fs::create_directory(place);
+        server_ =
+            std::make_unique<ChildProcess>("'" SONARIN_SLOW_DISK "' '" + behind("") + "' '" + place + "'");
+        isThere = !server_->read().empty();
+    }
+    ~SlowDisk() {
+        server_.reset();
+        ChildProcess("fusermount3 -uz '" + folder_.path("the disk") + "' 2>/dev/null").exitCode();
+    }
 
     /// Puts a file onto the disk; answers its path there.
-    [[nodiscard]] std::string write(const std::string& name, const std::string& content) const;
-    [[nodiscard]] std::string song(const std::string& name, const std::string& title) const;
+    [[nodiscard]] std::string write(const std::string& name, const std::string& content) const {
+        (void)folder_.write("disk/" + name, content);
+        return folder_.path("the disk/" + name);
+    }
+    [[nodiscard]] std::string song(const std::string& name, const std::string& title) const {
+        return write(name, songFile(title, "Ann"));
+    }
     /// Where its files are, for who does not want to wait.
     [[nodiscard]] std::string behind(const std::string& name) const { return folder_.path("disk/" + name); }
     /// Whatever hangs goes on.
@@ -87,16 +117,5 @@ void installPrograms(const TestFolder& home);
 /// What the script of that name was called with since the last time, one argument a line; waits for the first
 /// call.
 std::string calledWith(const std::string& script, int milliseconds = 5000);
-
-/// Where the preferences are stored.
-QString preferencesFile();
-/// Empties them.
-void forgetPreferences();
-
-QString pathOf(const std::string& path);
-QString fileUri(const std::string& path);
-
-/// An MPEG file with those texts in its tag.
-std::string songFile(const std::string& title, const std::string& artist = "");
 
 } // namespace sonarin

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QMenu>
+#include <QClipboard>
 #include <QRegularExpression>
 
 namespace sonarin {
@@ -16,7 +16,9 @@ using sample::bytes;
 using sample::id3Frame;
 using sample::textFrame;
 using Question = SelectionSources::Question;
-inline const char* const samplePath = SONARIN_SAMPLES "/sample.mp3";
+template <class... Cells>
+using Table = std::vector<std::tuple<Cells...>>;
+inline const std::string samplePath = SONARIN_SAMPLES "/sample.mp3";
 
 /// A test with a window of its own, which follows nothing by itself and has no stored preferences.
 class WindowTest : public testing::Test {
@@ -30,6 +32,8 @@ protected:
         controller = std::make_unique<AppController>(followed, &defaults);
         controller->gUpdateTimer->stop();
     }
+
+    void forgetPreferences() const { QSettings(preferencesFile, QSettings::IniFormat).clear(); }
 
     /// Whether it is an audio file that was not shown before.
     bool choose(const std::string& path) { return controller->updateValuesForNewPath(pathOf(path)); }
@@ -58,31 +62,29 @@ protected:
     }
     /// Every value that there is, and how many entries two menus have.
     [[nodiscard]] std::string panel() const {
-        QStringList shown;
+        QString shown;
         for (const ValueLabel* value : controller->myWindow->findChildren<ValueLabel*>()) {
             if (!value->text().isEmpty()) {
-                shown << value->objectName().remove("id3").remove("Field") + '=' + value->text();
+                shown += value->objectName().remove("id3").remove("Field") + '=' + value->text() + '|';
             }
         }
-        shown << QString("%1 names, %2 searches")
+        shown += QString("%1 names, %2 searches")
                      .arg(controller->renamePopup->numberOfItems() - 1)
                      .arg(controller->findInShelvixPopup->numberOfItems() - 1);
-        return shown.join('|').toStdString();
+        return shown.toStdString();
     }
     /// The commands and buttons that can do nothing.
     [[nodiscard]] std::string greyed() const {
-        QStringList names;
-        for (const QObject* object : controller->myWindow->findChildren<QObject*>(
-                 QRegularExpression(QStringLiteral("^[a-z].*(Action|Button)$")))) {
+        const QRegularExpression names("^[a-z].*(Action|Button)$");
+        QStringList found;
+        for (const QObject* object : controller->myWindow->findChildren<QObject*>(names)) {
             if (!object->property("enabled").toBool()) {
-                names << object->objectName();
+                found << object->objectName();
             }
         }
-        return names.join(' ').toStdString();
+        return found.join(' ').toStdString();
     }
-    [[nodiscard]] QAction* command(const char* name) const {
-        return controller->myWindow->findChild<QAction*>(QLatin1StringView(name));
-    }
+    QAction* command(const char* name) const { return controller->myWindow->findChild<QAction*>(name); }
     /// The titles as the menu shows them; those that are greyed in brackets.
     static QStringList shownTitles(QMenu* menu) {
         emit menu->aboutToShow();
@@ -101,8 +103,8 @@ protected:
         QTimer look;
         look.callOnTimeout([&] {
             QWidget* menu = QApplication::activePopupWidget();
-            auto* popup = qobject_cast<Popup*>(menu != nullptr ? menu : QApplication::activeModalWidget());
-            if (popup != nullptr) {
+            QWidget* dialog = QApplication::activeModalWidget();
+            if (auto* popup = qobject_cast<Popup*>(menu != nullptr ? menu : dialog)) {
                 look.stop(); // `then` may run the event loop as well
                 then(popup);
                 isDone = true;
@@ -113,6 +115,7 @@ protected:
         return waitFor([&] { return isDone; }, milliseconds);
     }
 
+    const QString preferencesFile = qEnvironmentVariable("XDG_CONFIG_HOME") + "/sonarin/sonarin.conf";
     TestFolder folder;
     FixedSources sources;
     UserDefaults defaults;
