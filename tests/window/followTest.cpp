@@ -4,22 +4,16 @@
 #include "platform/desktop/desktopApplication.h"
 #include "tests/window/windowTest.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
-#include <QElapsedTimer>
-#include <csignal>
-#include <numeric>
 
 namespace sonarin {
-
-namespace {
 
 using Paths = QList<QByteArray>;
 const QString syncKind = QStringLiteral("syncKindDefaultKey");
 
 using Following = WindowTest;
 
-QString stored(const QString& key) {
+static QString stored(const QString& key) {
     return UserDefaults().value(key).toString();
 }
 
@@ -42,25 +36,20 @@ TEST_F(Following, StartsWithTheStoredKind) {
     }
 }
 
-/// An answer that changes each time must not make questions follow each other.
-TEST_F(Following, AsksOnceATick) {
-    controller->gUpdateTimer->start();
-    for (int i = 0; i < 40; ++i) {
-        emit sources.answered();
-        runFor(10);
-    }
-    EXPECT_LE(sources.questions, 4);
-}
-
 TEST_F(Following, TakesExactlyOnePath) {
     const QByteArray a = QByteArray::fromStdString(song("A"));
     const QByteArray b = QByteArray::fromStdString(song("B"));
     SelectionSources::Paths& selected = sources.answers[Question::fileManagerSelection];
     controller->gUpdateTimer->start();
+    for (int i = 0; i < 40; ++i) { // answers that change each time must not make questions follow each other
+        emit sources.answered();
+        runFor(10);
+    }
+    EXPECT_LE(sources.questions, 4); // one a tick
     selected = Paths{a};
-    EXPECT_TRUE(shows("A")); // by the timer
+    EXPECT_TRUE(shows("A"));
     controller->gUpdateTimer->stop();
-    for (const auto& [answer, shown] : std::vector<std::pair<SelectionSources::Paths, const char*>>{
+    for (const auto& [answer, shown] : Table<SelectionSources::Paths, const char*>{
              {Paths{a, b}, "A"}, {Paths(), "A"}, {std::nullopt, "A"}, {Paths{b}, "B"}}) {
         selected = answer;
         controller->updateSelection();
@@ -103,32 +92,32 @@ protected:
     }
     ~OnTheBus() override { controller.reset(); }
 
-    bool stays(const std::string& text) {
-        runFor(500);
-        return title() == text;
-    }
-    /// Whether it follows a player that comes now.
-    bool followsAnother() {
-        BusProgram player("org.mpris.MediaPlayer2.p");
-        player.play(song("another"));
-        return shows("another");
-    }
-
     SessionBus bus;
     BusSources busSources;
 };
 
 TEST_F(OnTheBus, FollowsTheTrackPlaying) {
+    BusProgram bad("org.mpris.MediaPlayer2.bad");
+    for (const char* nonsense : {"ai Metadata", "as PlaybackStatus a b", "ai PlaybackStatus"}) {
+        bad.tell(nonsense);
+        runFor(250);
+    }
     BusProgram first("org.mpris.MediaPlayer2.first");
     first.play(song("one"));
     EXPECT_TRUE(shows("one"));
     BusProgram second("org.mpris.MediaPlayer2.second org.mpris.MediaPlayer2.second.instance7");
     second.play(song("two"), "Paused");
-    EXPECT_TRUE(stays("one")); // playing comes before paused
+    runFor(500);
+    EXPECT_EQ(title(), "one"); // playing comes before paused
+    first.signal(SIGSTOP);
+    EXPECT_TRUE(shows("two")); // an answer that does not come does not count
+    first.signal(SIGCONT);
+    EXPECT_TRUE(shows("one"));
     second.play(song("two"));
     EXPECT_TRUE(shows("two")); // the one that changed last
     second.tell("m xesam:url http://radio.example/stream");
-    EXPECT_TRUE(stays("two")); // a stream is no file
+    runFor(500);
+    EXPECT_EQ(title(), "two"); // a stream is no file
     second.tell("s PlaybackStatus Stopped");
     EXPECT_TRUE(shows("one"));
     // Players differ in what they encode.
@@ -137,57 +126,32 @@ TEST_F(OnTheBus, FollowsTheTrackPlaying) {
     EXPECT_TRUE(shows("strange"));
 }
 
-TEST_F(OnTheBus, BearsPlayersThatSayNonsenseOrHang) {
-    BusProgram bad("org.mpris.MediaPlayer2.bad");
-    for (const char* line : {"ai Metadata", "as PlaybackStatus a b", "ai PlaybackStatus"}) {
-        bad.tell(line);
-        runFor(250);
-    }
-    BusProgram frozen("org.mpris.MediaPlayer2.frozen");
-    frozen.play(song("frozen"));
-    EXPECT_TRUE(shows("frozen"));
-    frozen.signal(SIGSTOP);
-    BusProgram other("org.mpris.MediaPlayer2.other");
-    other.play(song("other"), "Paused");
-    EXPECT_TRUE(shows("other")); // an answer that does not come does not count
-    frozen.signal(SIGCONT);
-    EXPECT_TRUE(shows("frozen"));
-}
-
-TEST_F(OnTheBus, FollowsThePlayersSelection) {
-    BusProgram player("org.sonarin.Selection1.Player.p");
-    player.select({"http://radio.example/", fileUri(song("one"))}, 1);
-    controller->useiTunesSelectionForSync();
-    EXPECT_TRUE(shows("one"));
-}
-
 /// Many programs must not cost more than two; each has its turn, and who hangs loses it.
 TEST_F(OnTheBus, AsksTwoProgramsATick) {
     controller->useFinderForSync();
-    std::array<std::unique_ptr<BusProgram>, 6> programs;
-    const QString one = fileUri(song("one"));
-    for (std::size_t i = 0; i < 6; ++i) {
+    std::deque<BusProgram> programs;
+    for (int i = 0; i < 6; ++i) {
         const std::string number = std::to_string(i);
-        programs[i] = std::make_unique<BusProgram>("org.sonarin.Selection1.FileManager.p" + number);
-        programs[i]->select({i == 3 ? one : fileUri(song(number))}, i == 3 ? 100 : static_cast<int>(i));
+        programs.emplace_back("org.sonarin.Selection1.FileManager.p" + number)
+            .select({fileUri(song(number))}, i == 3 ? 100 : i);
     }
-    EXPECT_TRUE(shows("one"));
-    programs[5]->signal(SIGSTOP);
+    EXPECT_TRUE(shows("3"));
+    programs[5].signal(SIGSTOP);
     const auto asked = [&] {
-        return std::accumulate(programs.begin(), programs.end() - 1, 0, [](int sum, const auto& program) {
-            return sum + std::stoi(program->tell("asked"));
-        });
+        int questions = 0;
+        std::for_each_n(programs.begin(), 5, [&](auto& each) { questions += std::stoi(each.tell("asked")); });
+        return questions;
     };
     const int before = asked();
     runFor(2000);
     const int questions = asked() - before;
     EXPECT_LE(questions, 22); // ten ticks, or eleven
     EXPECT_GE(questions, 12);
-    programs[0]->select({fileUri(song("two"))}, 200);
-    EXPECT_TRUE(shows("two"));
-    programs[5]->signal(SIGCONT);
-    programs[5]->select({one}, 300);
-    EXPECT_TRUE(shows("one"));
+    programs[0].select({fileUri(song("0"))}, 200);
+    EXPECT_TRUE(shows("0"));
+    programs[5].signal(SIGCONT);
+    programs[5].select({fileUri(song("5"))}, 300);
+    EXPECT_TRUE(shows("5"));
 }
 
 TEST_F(OnTheBus, SaysWhatItFollows) {
@@ -195,7 +159,7 @@ TEST_F(OnTheBus, SaysWhatItFollows) {
     EXPECT_EQ(foot(), ""); // not before anybody could have answered
     EXPECT_TRUE(says("No file manager tells its selection: <a href=\"connect\">connect…</a>"));
     BusProgram files("org.sonarin.Selection1.FileManager.f");
-    for (const auto& [program, uris, said] : std::vector<std::tuple<QString, QStringList, const char*>>{
+    for (const auto& [program, uris, said] : Table<QString, QStringList, const char*>{
              {"<b>Files & more", {}, "&lt;b&gt;Files &amp; more, nothing selected"},
              {"Files", {fileUri(song("one"))}, "Files, 1 selected"},
              {"Files", {QString()}, "Files, 1 selected, which is no file on this computer"},
@@ -207,10 +171,14 @@ TEST_F(OnTheBus, SaysWhatItFollows) {
     EXPECT_TRUE(shows("one"));
     files.signal(SIGSTOP);
     EXPECT_TRUE(says("The file manager does not answer"));
+    BusProgram list("org.sonarin.Selection1.Player.p");
+    list.select({"http://radio.example/", fileUri(song("listed"))}, 1);
+    controller->useiTunesSelectionForSync();
+    EXPECT_TRUE(shows("listed"));
     controller->useCurrentiTunesSongForSync();
     EXPECT_TRUE(says("No player is running"));
     BusProgram player("org.mpris.MediaPlayer2.vlc.instance7");
-    for (const auto& [status, said] : std::vector<std::pair<const char*, const char*>>{
+    for (const auto& [status, said] : Table<const char*, const char*>{
              {"Playing", "vlc, playing"}, {"Paused", "vlc, paused"}, {"Stopped", "Nothing is playing"}}) {
         player.play(song("two"), status);
         EXPECT_TRUE(says(said)) << foot();
@@ -219,24 +187,19 @@ TEST_F(OnTheBus, SaysWhatItFollows) {
     EXPECT_EQ(foot(), "");
 }
 
-TEST_F(Following, ConnectsByTheLinkAtTheFoot) {
-    emit controller->followStatusField->linkActivated(QStringLiteral("connect"));
-    auto* window = controller->myWindow->findChild<ConnectWindow*>();
-    ASSERT_NE(window, nullptr);
-    EXPECT_TRUE(window->isVisible());
-    EXPECT_EQ(static_cast<std::size_t>(window->findChild<QListWidget*>()->count()),
-              findConnectors(ConnectorFolders::ofThisUser()).size());
-}
-
 /// A check adds the connector at once, and takes it away.
 TEST_F(Following, ChecksAddAndRemoveConnectors) {
+    emit controller->followStatusField->linkActivated(QStringLiteral("connect"));
+    const auto* own = controller->myWindow->findChild<ConnectWindow*>();
+    EXPECT_TRUE(own->isVisible());
     ConnectorFolders folders = ConnectorFolders::ofThisUser();
+    EXPECT_EQ(own->findChild<QListWidget*>()->count(), std::ssize(findConnectors(folders)));
+
     folders.root = folders.searchPath = folder.path("");
     folders.data = folder.path("data");
     for (const char* program : {"caja", "nemo"}) {
         fs::permissions(folder.write(program, ""), fs::perms::owner_all);
     }
-    fs::create_directories(folder.path("usr/lib/a/caja/extensions-2.0"));
     folder.write("usr/lib/a/caja/extensions-2.0/libcaja-python.so", "");
     ConnectWindow window(folders);
     auto* list = window.findChild<QListWidget*>();
@@ -259,22 +222,15 @@ TEST_F(Following, ChecksAddAndRemoveConnectors) {
     EXPECT_EQ(list->item(0)->checkState(), Qt::Unchecked);
 }
 
-/// Also where a program was started, which makes a connection of GIO's.
+/// Also where a library has a connection of its own, and although the bus takes connections for a time and
+/// does not answer, which must not hold the window up.
 TEST_F(OnTheBus, GoesOnWhenTheBusIsBack) {
-    const std::shared_ptr<GDBusConnection> gio(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr),
-                                               g_object_unref);
-    controller->poweredByShelvix();
-    EXPECT_NE(calledWith("browser"), "");
+    std::shared_ptr<GDBusConnection> gio(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr),
+                                         g_object_unref);
     testBus.reset();
     EXPECT_TRUE(waitFor([&] { return g_dbus_connection_is_closed(gio.get()) != 0; }));
+    gio.reset();
     runFor(100);
-    startTestBus();
-    EXPECT_TRUE(followsAnother());
-}
-
-/// A bus that takes connections and does not answer must not hold the window up.
-TEST_F(OnTheBus, WaitsForABusThatHangsBesideTheWindow) {
-    testBus.reset();
     startTestBus();
     testBus->signal(SIGSTOP);
     controller->poweredByShelvix(); // which GIO asks the bus for
@@ -288,7 +244,9 @@ TEST_F(OnTheBus, WaitsForABusThatHangsBesideTheWindow) {
     EXPECT_LT(longest, 1000);
     testBus->signal(SIGCONT);
     EXPECT_NE(calledWith("browser"), "");
-    EXPECT_TRUE(followsAnother());
+    BusProgram player("org.mpris.MediaPlayer2.p");
+    player.play(song("another"));
+    EXPECT_TRUE(shows("another"));
 }
 
 TEST_F(Following, TheRunningProgramTakesOver) {
@@ -305,8 +263,8 @@ TEST_F(Following, TheRunningProgramTakesOver) {
 
     SessionBus otherBus;
     EXPECT_FALSE(DesktopApplication(&otherBus, QStringLiteral("org.sonarin.Test")).takeName());
-    using Row = std::tuple<const char*, QVariantList, QString>; // what is taken is empty where it is refused
-    for (const auto& [method, arguments, expected] : std::vector<Row>{
+    // What is taken is empty where it is refused.
+    for (const auto& [method, arguments, expected] : Table<const char*, QVariantList, QString>{
              {"Open", {QStringList{"file:///a%20b.mp3", "file:///c.mp3"}}, "open /a b.mp3|/c.mp3"},
              {"Activate", {}, "activate"},
              {"ActivateAction", {"show-path", QVariantList{"/x"}}, "text /x"},
@@ -329,7 +287,5 @@ TEST_F(Following, TheRunningProgramTakesOver) {
         EXPECT_EQ(taken, expected) << method;
     }
 }
-
-} // namespace
 
 } // namespace sonarin

@@ -2,12 +2,7 @@
 // Files on a disk that does not answer, or late.
 #include "tests/window/windowTest.h"
 
-#include <QElapsedTimer>
-#include <csignal>
-
 namespace sonarin {
-
-namespace {
 
 class OnASlowDisk : public WindowTest {
 protected:
@@ -36,17 +31,17 @@ protected:
 
 TEST_F(OnASlowDisk, LeavesWhatHangsBehind) {
     const std::string quick = song("quick");
-    using Row = std::array<std::string, 3>;
     for (const auto& [name, knownSize, later] :
-         {Row{"hang-stat.mp3", "", "late"}, Row{"hang-open.mp3", "|fileSize=4.9 KB", "late"},
-          Row{"hang-read.mp3", "|fileSize=4.9 KB", "late"}, Row{"hang-codes.m4a", "|fileSize=4.9 KB", ""}}) {
+         Table<std::string, std::string, std::string>{{"hang-stat.mp3", "", "late"},
+                                                      {"hang-open.mp3", "|fileSize=4.9 KB", "late"},
+                                                      {"hang-read.mp3", "|fileSize=4.9 KB", "late"},
+                                                      {"hang-codes.m4a", "|fileSize=4.9 KB", ""}}) {
         const std::string path = disk.song(name, "late");
         const std::string reading = "fileName=" + name + knownSize + "|0 names, 0 searches";
         for (const bool doesWait : {false, true}) {
             EXPECT_TRUE(choose(path));
             EXPECT_EQ(foot(), "Reading…");
             EXPECT_TRUE(waitFor([&] { return panel() == reading; })) << panel();
-            EXPECT_FALSE(controller->twitterButton->isEnabled());
             EXPECT_EQ(controller->lastPath, pathOf(path));
             EXPECT_FALSE(choose(path));
             EXPECT_TRUE(doesWait || choose(quick));
@@ -55,7 +50,6 @@ TEST_F(OnASlowDisk, LeavesWhatHangsBehind) {
             EXPECT_TRUE(shows(doesWait ? later : "quick")); // what comes too late is thrown away
             disk.hangAgain();
         }
-        EXPECT_EQ(controller->twitterButton->isEnabled(), later == "late");
         EXPECT_EQ(panel().ends_with("2 names, 2 searches"), later == "late") << panel();
         EXPECT_FALSE(choose(path)); // it is the file shown
     }
@@ -82,10 +76,7 @@ TEST_F(OnASlowDisk, LeavesNoMoreThanTwoReadingsOfADiskBehind) {
 
 TEST_F(OnASlowDisk, SaysHowFarALongSearchIs) {
     choose(disk.write("late-20-x.mp3", std::string(4000000, 'x')));
-    const auto share = [&] {
-        const QString text = QString::fromStdString(foot());
-        return text.endsWith(u'%') ? text.mid(text.indexOf(u' ')).chopped(1).toInt() : -1;
-    };
+    const auto share = [&] { return foot().ends_with('%') ? std::stoi(foot().substr(foot().find(' '))) : 0; };
     EXPECT_TRUE(waitFor([&] { return share() > 0; }));
     const int before = share();
     EXPECT_TRUE(waitFor([&] { return share() > before; }));
@@ -111,7 +102,6 @@ TEST_F(OnASlowDisk, TakesTheFileThatIsChosenWhileItWaits) {
     EXPECT_EQ(controller->lastPath, pathOf(quick));
     for (int i = 0; i < 10; ++i) { // back and forth
         choose(hanging);
-        EXPECT_TRUE(controller->isReading());
         choose(quick);
         EXPECT_EQ(title(), "quick");
     }
@@ -123,15 +113,12 @@ TEST_F(OnASlowDisk, BearsAThousandChoices) {
     };
     const auto before = threads();
     std::ptrdiff_t most = 0;
-    std::vector<std::string> songs;
-    for (int i = 0; i < 1000; ++i) {
-        songs.push_back(disk.song("late-100-" + std::to_string(i) + ".mp3", std::to_string(i)));
-    }
-    sinceBeat.start(); // to write so many is not the window's work
-    std::size_t chosen = 0;
+    int chosen = 0;
     const auto click = [&] {
-        if (chosen < songs.size()) {
-            sources.answers[Question::fileManagerSelection] = {QByteArray::fromStdString(songs[chosen++])};
+        if (chosen < 1000) {
+            const std::string number = std::to_string(chosen++);
+            sources.answers[Question::fileManagerSelection] = {
+                QByteArray::fromStdString(disk.song("late-100-" + number + ".mp3", number))};
             controller->updateSelection();
             most = std::max(most, threads());
         }
@@ -143,13 +130,10 @@ TEST_F(OnASlowDisk, BearsAThousandChoices) {
     EXPECT_LE(most - before, 8);
 }
 
-TEST_F(OnASlowDisk, ShowsNothingOfAFileThatBreaks) {
+TEST_F(OnASlowDisk, ShowsAFileAsItWasOpenedOrNothingOfIt) {
     choose(disk.write("broken-x.mp3", songFile(std::string(20000, 'x'))));
     EXPECT_FALSE(controller->isReading());
     EXPECT_EQ(panel(), "fileName=broken-x.mp3|fileSize=24.5 KB|1 names, 1 searches"); // as read before
-}
-
-TEST_F(OnASlowDisk, KeepsToTheFileThatItHasOpened) {
     const std::string path = disk.song("late-150-x.mp3", "old");
     QTimer::singleShot(50, [&] {
         (void)disk.song("new", "a longer new title");
@@ -161,7 +145,6 @@ TEST_F(OnASlowDisk, KeepsToTheFileThatItHasOpened) {
 
 TEST_F(OnASlowDisk, DoesNotWaitForRenamesAndEditors) {
     choose(disk.song("hang-rename.mp3", "new"));
-    EXPECT_EQ(title(), "new");
     controller->renameToSongTitle();
     EXPECT_TRUE(fs::exists(disk.behind("hang-rename.mp3")));
     const std::string edited = disk.song("hang-access.mp3", "edited");
@@ -206,7 +189,5 @@ TEST_F(OnASlowDisk, TheProgramEnds) {
     disk.answer(); // before that the system lets no process go
     EXPECT_EQ(program.exitCode(), 0);
 }
-
-} // namespace
 
 } // namespace sonarin
