@@ -1,28 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include "platform/desktop/iconTheme.h"
 #include "platform/desktop/qtPicture.h"
 #include "tests/window/windowTest.h"
 
 #include <QBuffer>
-#include <QClipboard>
 #include <QDropEvent>
-#include <QImage>
-#include <atomic>
 
 namespace sonarin {
 
-namespace {
-
 using PanelWindow = WindowTest;
 
-QImage plainImage(QSize size, QColor colour) {
-    QImage image(size, QImage::Format_RGB32);
+static std::string picture(const char* format, int dotsPerMetre = 2835, QColor colour = Qt::red) {
+    QImage image(500, 250, QImage::Format_RGB32);
     image.fill(colour);
-    return image;
-}
-
-std::string cover(const char* format, int dotsPerMetre) {
-    QImage image = plainImage({500, 250}, Qt::red);
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
     QByteArray content;
@@ -39,8 +28,7 @@ TEST_F(PanelWindow, FillsEveryField) {
                        "TrackNumber=1 of 1|Year=2026|Genre=Classical|Composer=A. Script|EncoderApp=LAME|"
                        "Comment=Made by make-samples|4 names, 6 searches");
     EXPECT_EQ(greyed(), "copyAction");
-    EXPECT_EQ(controller->myWindow->windowTitle(), "Sonarin - sample.mp3");
-    EXPECT_TRUE(controller->fileNameField->toolTip().contains(pathOf(samplePath)));
+    EXPECT_EQ(controller->fileNameField->toolTip(), plainToolTip(pathOf(samplePath)));
     EXPECT_EQ(shownTitles(controller->findInShelvixPopup->menu())[2],
               "Find all songs of artist \"The Sample Makers\" in Shelvix");
 }
@@ -63,13 +51,11 @@ TEST_F(PanelWindow, ClearsTheFactsOfWhatItCannotRead) {
     controller->showLyrics();
     fs::create_directories(folder.path("folder.mp3"));
     fs::create_directories(folder.path("folder"));
-    ASSERT_EQ(mkfifo(folder.path("fifo.mp3").c_str(), 0600), 0);
     const std::string whole = songFile("kept", "Ann");
     const std::string cut = whole.substr(0, whole.size() - 5000) + "xx";
-    for (const auto& [path, isAudio, facts] : std::vector<std::tuple<std::string, bool, std::string>>{
+    for (const auto& [path, isAudio, facts] : Table<std::string, bool, std::string>{
              {folder.path("missing.mp3"), true, "missing.mp3|fileSize=n.a.|0 names, 0 searches"},
              {folder.path("folder.mp3"), true, "folder.mp3|fileSize=n.a.|0 names, 0 searches"},
-             {folder.path("fifo.mp3"), true, "fifo.mp3|fileSize=n.a.|0 names, 0 searches"},
              {folder.path("folder/"), false, "folder|fileSize=n.a.|0 names, 0 searches"},
              {folder.write("a.txt", "abc"), false, "a.txt|fileSize=0.0 KB|0 names, 0 searches"},
              {folder.write("cut.mp3", cut), true, "cut.mp3|fileSize=0.1 KB|2 names, 2 searches"}}) {
@@ -84,29 +70,27 @@ TEST_F(PanelWindow, ClearsTheFactsOfWhatItCannotRead) {
 }
 
 TEST_F(PanelWindow, ShowsCoversInPointsWholeOrNotAtAll) {
-    std::string huge = cover("PNG", 2835); // whose header says 60000 x 60000
+    std::string huge = picture("PNG"); // whose header says 60000 x 60000
     huge.replace(16, 8, sample::bigEndian(60000) + sample::bigEndian(60000));
-    for (const auto& [picture, size] : std::vector<std::pair<std::string, std::string>>{
-             {cover("PNG", 2835), "500 x 250"},
-             {cover("PNG", 11811), "120 x 60"},
-             {cover("PNG", 3780), "375 x 187"},
-             {cover("BMP", 5669), "250 x 125"},
-             {cover("JPG", 2835), "500 x 250"},
-             {cover("JPG", 5906), "240 x 120"},
-             {cover("PPM", 2835), "500 x 250"},
-             {"\xFF\xD8\xFF\xE0" + std::string(200, 'x'), "0 x 0"},
-             {huge, "0 x 0"}}) {
-        showFrames(id3Frame("APIC", bytes("\0image/png\0\3\0") + picture));
+    for (const auto& [cover, size] :
+         Table<std::string, std::string>{{picture("PNG"), "500 x 250"},
+                                         {picture("PNG", 11811), "120 x 60"},
+                                         {picture("PNG", 3780), "375 x 187"},
+                                         {picture("BMP", 5669), "250 x 125"},
+                                         {picture("JPG"), "500 x 250"},
+                                         {picture("JPG", 5906), "240 x 120"},
+                                         {picture("PPM"), "500 x 250"},
+                                         {"\xFF\xD8\xFF\xE0" + std::string(200, 'x'), "0 x 0"},
+                                         {huge, "0 x 0"}}) {
+        showFrames(id3Frame("APIC", bytes("\0image/png\0\3\0") + cover));
         EXPECT_EQ(controller->coverArtDetailsField->text().toStdString(),
-                  size + ", " + std::to_string(picture.size() + 1) + " bytes");
+                  size + ", " + std::to_string(cover.size() + 1) + " bytes");
         const QColor last = controller->fileIconField->image().copy(499, 249, 1, 1).pixelColor(0, 0);
         EXPECT_EQ(controller->fileIconField->showsImage(), size != "0 x 0") << size;
         EXPECT_EQ(last.red() > 250 && last.green() < 5, size != "0 x 0") << size;
         std::atomic<bool> isWanted = false;
-        EXPECT_EQ(makeHostPicture({reinterpret_cast<const std::uint8_t*>(picture.data()), picture.size()},
-                                  &isWanted),
-                  nullptr)
-            << size;
+        const ByteView stored(reinterpret_cast<const std::uint8_t*>(cover.data()), cover.size());
+        EXPECT_EQ(makeHostPicture(stored, &isWanted), nullptr) << size;
     }
 }
 
@@ -118,7 +102,6 @@ TEST_F(PanelWindow, TakesNothingInATextForMarkUp) {
     EXPECT_EQ(controller->id3ArtistField->textFormat(), Qt::PlainText);
     EXPECT_EQ(controller->myWindow->windowTitle(), "Sonarin - a[*][*]b.mp3"); // how Qt shows a single one
     EXPECT_EQ(controller->myWindow->sizeHint(), before);
-    EXPECT_TRUE(controller->fileNameField->toolTip().startsWith("<p"));
     EXPECT_EQ(plainToolTip("<i>&"), "<p style='white-space:pre-wrap'>&lt;i&gt;&amp;</p>");
     EXPECT_TRUE(controller->renamePopup->itemTitleAtIndex(1).contains("AC&DC\nsecond"));
     controller->myWindow->show();
@@ -143,16 +126,15 @@ TEST_F(PanelWindow, TakesPathsFromOutside) {
     };
     const Qt::DropActions either = Qt::CopyAction | Qt::MoveAction;
     QApplication::clipboard()->setText(pathOf(plain) + '\n');
-    const std::vector<std::pair<std::function<void()>, const char*>> ways = {
-        {[&] { controller->pastePath(); }, "plain"},
-        {[&] { EXPECT_TRUE(controller->applicationOpenFile(pathOf(strange))); }, "strange"},
-        {[&] { EXPECT_FALSE(controller->applicationOpenFile(pathOf(strange))); }, "strange"},
-        {handOver(pathOf(plain)), "plain"},
-        {handOver(fileUri(strange)), "strange"},
-        {[&] { controller->openFileUserDataError(nullptr); }, "strange"},
-        {handOver(' ' + pathOf(plain)), ""}, // another path: white space counts
-        {[&] { controller->showPastedPath(); }, "plain"}};
-    for (const auto& [way, shown] : ways) {
+    for (const auto& [way, shown] : Table<std::function<void()>, std::string>{
+             {[&] { controller->pastePath(); }, "plain"},
+             {[&] { EXPECT_TRUE(controller->applicationOpenFile(pathOf(strange))); }, "strange"},
+             {[&] { EXPECT_FALSE(controller->applicationOpenFile(pathOf(strange))); }, "strange"},
+             {handOver(pathOf(plain)), "plain"},
+             {handOver(fileUri(strange)), "strange"},
+             {[&] { controller->openFileUserDataError(nullptr); }, "strange"},
+             {handOver(' ' + pathOf(plain)), ""}, // another path: white space counts
+             {[&] { controller->showPastedPath(); }, "plain"}}) {
         controller->myWindow->hide();
         way();
         EXPECT_TRUE(shows(shown)) << shown;
@@ -173,26 +155,24 @@ TEST_F(PanelWindow, TakesPathsFromOutside) {
 
 TEST(IconThemes, AreSearchedAsTheyInherit) {
     const TestFolder folder;
-    using Row = std::array<std::string, 4>;
-    for (const auto& [theme, parent, place, colour] :
-         {Row{"mine", "parent", "home/mine/48", "red"}, // the user's addition to a theme of the system
-          Row{"mine", "parent", "system/mine/big", "green"},
-          Row{"parent", "mine", "system/parent/48", "blue"}, // the two inherit for ever
-          Row{"other", "", "system/other/48", "yellow"},
-          Row{"child", "parent", "system/child/unlisted", "black"}}) {
-        fs::create_directories(folder.path(place));
-        plainImage({48, 48}, QColor(colour.c_str())).save(pathOf(folder.path(place) + "/sound.png"));
+    for (const auto& [theme, parent, place, colour] : Table<std::string, std::string, std::string, QColor>{
+             {"mine", "parent", "home/mine/48", "red"}, // the user's addition to a theme of the system
+             {"mine", "parent", "system/mine/big", "green"},
+             {"parent", "mine", "system/parent/48", "blue"}, // the two inherit for ever
+             {"other", "", "system/other/48", "yellow"},
+             {"child", "parent", "system/child/unlisted", "black"}}) {
+        folder.write(place + "/sound.png", picture("PNG", 2835, colour));
         (void)folder.write("system/" + theme + "/index.theme",
                            "[Icon Theme]\nName=x\nDirectories=48,big\nInherits=" + parent +
                                "\n[48]\nSize=48\n[big]\nSize=256\n");
     }
     const QStringList folders = {pathOf(folder.path("home")), pathOf(folder.path("system"))};
     for (const auto& [themes, size, colour] :
-         std::vector<std::tuple<QStringList, int, QColor>>{{{"mine"}, 48, "red"},
-                                                           {{"mine"}, 200, "green"},
-                                                           {{"child", "other"}, 48, "blue"},
-                                                           {{"missing", "other"}, 48, "yellow"},
-                                                           {{"missing"}, 48, QColor()}}) {
+         Table<QStringList, int, QColor>{{{"mine"}, 48, "red"},
+                                         {{"mine"}, 200, "green"},
+                                         {{"child", "other"}, 48, "blue"},
+                                         {{"missing", "other"}, 48, "yellow"},
+                                         {{"missing"}, 48, QColor()}}) {
         const QImage icon = themeIcon({themes, folders}, QStringLiteral("sound"), size);
         EXPECT_EQ(icon.isNull() ? QColor() : icon.pixelColor(5, 5), colour) << themes[0].toStdString();
     }
@@ -205,7 +185,5 @@ TEST_F(PanelWindow, ConnectsEveryActionOfItsInterface) {
             << method.constData();
     }
 }
-
-} // namespace
 
 } // namespace sonarin
