@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // What makes the window pleasant: room, keyboard, screen readers, copying, the line at the foot.
-#include "app/renameOutcome.h"
 #include "app/window/textColours.h"
 #include "tests/window/windowTest.h"
 
@@ -231,9 +230,6 @@ TEST_F(Comfort, TheFootSaysWhatGoesOn) {
     EXPECT_EQ(foot(), "No MPEG audio frame found");
     show(folder.write("a.txt", "text"));
     EXPECT_EQ(foot(), "Not an audio file, going by its name and type codes");
-    EXPECT_EQ(renameOutcome(feHostError(ESHUTDOWN), nullptr),
-              "Not renamed: Cannot send after transport endpoint shutdown"); // its number is 108
-    EXPECT_EQ(renameOutcome(feHostError(EINVAL), nullptr), "Not renamed: no file can have that name");
     controller->say(QStringLiteral("<b>AC&DC</b>"));
     EXPECT_EQ(foot(), "&lt;b&gt;AC&amp;DC&lt;/b&gt;");
     const QSize least = controller->myWindow->minimumSizeHint();
