@@ -19,7 +19,11 @@ namespace sonarin {
 /// A folder that goes with its owner.
 class TestFolder {
 public:
-    TestFolder() { mkdtemp(path_.data()); }
+    TestFolder() {
+        if (mkdtemp(path_.data()) == nullptr) {
+            std::abort();
+        }
+    }
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
     ~TestFolder() {
