@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "engine/miAudioInfo.h"
 
+#include "engine/mpegFrame.h"
+
 namespace sonarin {
 
 void miStoreInfo(const miAudioInfo& info, audioTags* record) noexcept {
     constexpr std::uint8_t stereo = 0;
-    constexpr std::uint8_t singleChannel = 3;
     record->mp3SongLen = info.duration;
     record->mp3SamplingRate = info.sampleRate;
     if (info.channels == 1) {

@@ -11,7 +11,6 @@ namespace {
 constexpr std::uint8_t mpeg1 = 3;
 constexpr std::uint8_t mpeg2 = 2;
 constexpr std::uint8_t layer2 = 2;
-constexpr std::uint8_t singleChannel = 3;
 
 // Sampling rates in Hz, by sampling-rate index.
 using SamplingRates = std::array<std::uint16_t, 4>;
