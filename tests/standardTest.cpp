@@ -305,7 +305,7 @@ TEST(HiddenTexts, AreThoseThatOnlyTheStandardsGive) {
                   id3Tag(textFrame("TCON", "31"))}},
                 {"hidden",
                  {id3Tag(textFrame("TIT2", "Caf\xE9")), id3Tag(textFrame("TDRC", "2004"), 16, 4),
-                  id3Tag(frame("COMM", "\0eng\0Nice"s)), // "Nic"
+                  id3Tag(frame("TRCK", "\2\0003"s), 16, 4), id3Tag(frame("COMM", "\0eng\0Nice"s)), // "Nic"
                   id3Tag(textFrame("TPE1", "Ann") + textFrame("TPE1", "Bo\xEB")),
                   id3Tag(frame("USLT", "\3xxx\0l\xC3\xA9"s), 16, 4)}}});
     EXPECT_FALSE(mayHideTexts(amdTypeMP3, audioTags()) || mayHideTexts(amdTypeM4A, audioTags()));
