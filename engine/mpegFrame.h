@@ -18,8 +18,9 @@ struct MpegFrameHeader {
 };
 
 inline constexpr std::size_t mpegFrameHeaderSize = 4;
-inline constexpr std::uint8_t singleChannel =
-    3; ///< the channel mode, which records have from other formats too
+
+/// The channel mode of mono, which records have from other formats too.
+inline constexpr std::uint8_t singleChannel = 3;
 
 /// The position in `bytes`, which hold at least four, of the first acceptable header; without one, the first
 /// position that has fewer than four bytes left.
