@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 """tests/desktop/run-tests BUILD hanging_disk.py [SECONDS]: while Sonarin is handed one file after the other of a disk that
-hangs (tests/support/slow_disk.py), how long an assistive program waits for an answer of its window, and how long until a
+hangs (tools/slow_disk.py), how long an assistive program waits for an answer of its window, and how long until a
 quick file in between is shown. Needs what ./test desktop installs."""
 
 import os

@@ -6,7 +6,7 @@
 #include "platform/desktop/qtPicture.h"
 #include "platform/desktop/sideWork.h"
 #include "tests/support/sampleBytes.h"
-#include "tests/window/windowSupport.h"
+#include "tools/windowSupport.h"
 
 #include <QApplication>
 #include <QBuffer>

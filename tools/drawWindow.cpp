@@ -5,7 +5,7 @@
 #include "platform/desktop/fileIcon.h"
 #include "platform/desktop/qtPicture.h"
 #include "tests/support/sampleBytes.h"
-#include "tests/window/windowSupport.h"
+#include "tools/windowSupport.h"
 
 #include <QApplication>
 #include <QBuffer>

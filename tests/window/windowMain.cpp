@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/desktop/qtPicture.h"
-#include "tests/window/windowSupport.h"
+#include "tools/windowSupport.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tests/support/sampleBytes.h"
-#include "tests/window/windowSupport.h"
+#include "tools/windowSupport.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/window/windowSupport.h"
+#include "tools/windowSupport.h"
 
 #include "app/window/cocoaUtils.h"
 #include "tests/support/sampleBytes.h"

@@ -58,7 +58,7 @@ public:
     }
 };
 
-/// A disk whose files are slow by their names, as tests/support/slow_disk.py says. What hangs on it goes on
+/// A disk whose files are slow by their names, as tools/slow_disk.py says. What hangs on it goes on
 /// when its owner goes.
 class SlowDisk {
 public:
