@@ -7,7 +7,6 @@ namespace sonarin {
 
 namespace {
 
-using Question = SelectionSources::Question;
 using State = SelectionSources::Teller::State;
 
 /// The program's own name may be anything.
@@ -31,8 +30,9 @@ QString selectionText(const SelectionSources::Paths& answer) {
 
 } // namespace
 
-QString followStatus(Question question, const SelectionSources::Teller& teller,
+QString followStatus(SelectionSources::Question question, const SelectionSources::Teller& teller,
                      const SelectionSources::Paths& answer) {
+    using Question = SelectionSources::Question;
     const bool isPlaying = question == Question::trackPlaying;
     const bool isFileManager = question == Question::fileManagerSelection;
     const QString kind = isFileManager ? QStringLiteral("file manager") : QStringLiteral("player");
