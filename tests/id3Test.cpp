@@ -12,10 +12,6 @@ namespace {
 using namespace sample;
 using namespace std::string_literals;
 
-std::string titleOf(const std::string& tag) {
-    return plain(readTag(tag).first.mp3SongTitleString);
-}
-
 TEST(ID3v2, FillsTheRecordUntilItIsReleased) {
     const std::string frames =
         textFrame("TIT2", "Title") + textFrame("TPE1", "Ann") + textFrame("TPE1", "Bob") +
@@ -57,7 +53,7 @@ TEST(ID3v2, WalksFramesAsTheirSizesSay) {
     const std::string title2 = textFrame("TT2", "Title");
     const std::string other = id3Frame("TXXX", std::string(300, 'x'));
     const std::string longTitle = textFrame("TIT2", std::string(50, 't'));
-    expectEach(titleOf,
+    expectEach([](const std::string& tag) { return plain(readTag(tag).first.mp3SongTitleString); },
                {{"(absent)",
                  {id3Tag("TXXX\0\0\0\0\0\0"s + title),                 // an empty frame ends the walk,
                   id3Tag(id3Frame(std::string(4, '\0'), "x") + title), // and an id of zero bytes,

@@ -553,3 +553,5 @@ bool AppController::eventFilter(QObject* watched, QEvent* event) {
 }
 
 } // namespace sonarin
+
+#include "moc_AppController.cpp"

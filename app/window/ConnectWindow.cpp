@@ -87,3 +87,6 @@ void ConnectWindow::choose(int row, bool isWanted) {
 }
 
 } // namespace sonarin
+
+#include "moc_ConnectWindow.cpp"
+#include "moc_SourceList.cpp"

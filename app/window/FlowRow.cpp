@@ -102,3 +102,5 @@ bool FlowRow::event(QEvent* event) {
 }
 
 } // namespace sonarin
+
+#include "moc_FlowRow.cpp"

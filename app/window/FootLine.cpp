@@ -91,3 +91,5 @@ void FootLine::changeEvent(QEvent* event) {
 }
 
 } // namespace sonarin
+
+#include "moc_FootLine.cpp"

@@ -81,3 +81,5 @@ void MenuIcons::lookUp() {
 }
 
 } // namespace sonarin
+
+#include "moc_MenuIcons.cpp"

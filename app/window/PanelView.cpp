@@ -325,3 +325,5 @@ void PanelView::place(QWidget* child, const QRect& rect) {
 }
 
 } // namespace sonarin
+
+#include "moc_PanelView.cpp"

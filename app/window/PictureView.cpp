@@ -113,3 +113,5 @@ void PictureView::mouseDoubleClickEvent(QMouseEvent* /*event*/) {
 }
 
 } // namespace sonarin
+
+#include "moc_PictureView.cpp"

@@ -131,3 +131,5 @@ void PullDownButton::chooseFirst() {
 }
 
 } // namespace sonarin
+
+#include "moc_PullDownButton.cpp"

@@ -84,3 +84,5 @@ void RecentFiles::fillIn() {
 }
 
 } // namespace sonarin
+
+#include "moc_RecentFiles.cpp"

@@ -252,3 +252,5 @@ QString withVisibleControls(QString text) {
 }
 
 } // namespace sonarin
+
+#include "moc_ValueLabel.cpp"

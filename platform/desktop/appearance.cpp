@@ -77,3 +77,5 @@ void Appearance::take(const QString& group, const QString& key, const QVariant& 
 }
 
 } // namespace sonarin
+
+#include "moc_appearance.cpp"

@@ -159,3 +159,6 @@ SelectionSources::Teller BusSources::teller(Question question) const {
 }
 
 } // namespace sonarin
+
+#include "moc_busSources.cpp"
+#include "moc_selectionSources.cpp"

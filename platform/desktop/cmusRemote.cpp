@@ -150,3 +150,5 @@ void CmusRemote::disconnect() {
 }
 
 } // namespace sonarin
+
+#include "moc_cmusRemote.cpp"

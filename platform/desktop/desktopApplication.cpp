@@ -157,3 +157,5 @@ void DesktopApplication::ActivateAction(const QString& action_name, const QVaria
 }
 
 } // namespace sonarin
+
+#include "moc_desktopApplication.cpp"

@@ -217,3 +217,5 @@ std::optional<PropertyPoll::Answer> PropertyPoll::followed() const {
 }
 
 } // namespace sonarin
+
+#include "moc_propertyPoll.cpp"

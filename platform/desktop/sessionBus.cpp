@@ -72,3 +72,5 @@ void SessionBus::takeAnswer(bool isThere) {
 }
 
 } // namespace sonarin
+
+#include "moc_sessionBus.cpp"

@@ -253,3 +253,5 @@ bool SideWork::haveThreadsEnded(std::chrono::milliseconds patience) {
 }
 
 } // namespace sonarin
+
+#include "moc_sideWork.cpp"
