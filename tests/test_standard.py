@@ -72,15 +72,16 @@ class Tags(Folder):
         for kind in ("aiff", "wav"):
             self.sounds[kind] = self.made(f"plain.{kind}", "sox", odd, "-b", "8").read_bytes()
 
-    def same(self, path, said=None):
-        facts, picture = said = said or theirs(path)
-        self.expect(path, "--by-standard", **facts)
-        self.assertEqual(run("--by-standard", "--cover", "-", path)[1], picture, path.name)
-        return said
+    def same(self, rows, pictures=1):
+        """Compares what stands beside each path, and the picture of every so many."""
+        self.expect_all([(path, facts) for path, (facts, _) in rows], "--by-standard")
+        for path, (_, picture) in rows[::pictures]:
+            self.assertEqual(run("--by-standard", "--cover", "-", path)[1], picture, path.name)
 
     def test_mutagen(self):
         texts = [(3, 0, LATIN), (3, 1, LATIN), (3, 1, WIDE), (4, 0, LATIN), *itertools.product((4,), (1, 2, 3), (LATIN, WIDE))]
         genres = (["Rock"], ["(13)"], ["17", "RX", "Own"], ["(9)Heavy", "131", "(CR)"], [])
+        rows = []
         for number, ((version, encoding, text), genre, (kind, open_file)) in enumerate(itertools.product(
                 texts, genres, (("mp3", mp3.MP3), ("aiff", aiff.AIFF), ("wav", wave.WAVE)))):
             path = self.write(f"{number} version {version} encoding {encoding} {genre}.{kind}", self.sounds[kind])
@@ -98,11 +99,12 @@ class Tags(Folder):
                        id3.APIC(encoding, "image/jpeg", 3 if number % 3 else 5, text, JPEG)] if number % 4 else [])):
                 file.tags.add(field)
             file.save(v2_version=version)
-            self.same(path)
+            rows.append((path, theirs(path)))
+        self.same(rows, pictures=4)
 
     def test_by_hand(self):
-        usual_texts = []
-        for (version, of_frames, of_tag), encoding in itertools.product((
+        rows, usual = [], []
+        for number, ((version, of_frames, of_tag), encoding) in enumerate(itertools.product((
                 (2, {}, {}), (2, {}, {"flags": 0x80, "whole": unsynchronised}),
                 (3, {}, {"flags": 0x80, "whole": unsynchronised}), (3, {}, {"flags": 0x80}),
                 (3, {}, {"flags": 0x40, "extended": b"\0\0\0\6" + bytes(6)}), (3, {}, {"flags": 0x40}),
@@ -111,17 +113,19 @@ class Tags(Folder):
                 (4, {"flags": 2, "step": unsynchronised}, {}), (4, {"step": unsynchronised}, {"flags": 0x80}),
                 (4, {"flags": 1, "measured": 7}, {}), (4, {"flags": 9, "measured": 7, "step": zlib.compress}, {}),
                 (4, {"flags": 11, "measured": 7, "step": lambda data: unsynchronised(zlib.compress(data))}, {}),
-                (4, {"bits": 8}, {}), (4, {"bits": 8}, {"padding": 0})), range(4)):
+                (4, {"bits": 8}, {}), (4, {"bits": 8}, {"padding": 0})), range(4))):
             made = frames(version, encoding, **of_frames)
-            path = self.write("x.mp3", whole_tag(version, made, **of_tag) + self.sounds["mp3"])
-            with self.subTest(version=version, frames=of_frames, tag=of_tag, encoding=encoding):
-                said = self.same(path)
-                if version > 2:  # theirs takes what is grouped for a text
-                    made += frame(b"TIT2", b"\0not me", 0x20 if version == 3 else 0x40)
-                    self.same(self.write("x.mp3", whole_tag(version, made, **of_tag) + self.sounds["mp3"]), said)
+            path = self.write(f"{number}.mp3", whole_tag(version, made, **of_tag) + self.sounds["mp3"])
+            rows.append((path, theirs(path)))
+            if version > 2:  # theirs takes what is grouped for a text
+                made += frame(b"TIT2", b"\0not me", 0x20 if version == 3 else 0x40)
+                path = self.write(f"{number} grouped.mp3", whole_tag(version, made, **of_tag) + self.sounds["mp3"])
+                rows.append((path, rows[-1][1]))
             if "measured" not in of_frames:  # what zlib makes is its own affair
-                usual_texts.append([value for name, value in sorted(self.expect(path).items())
-                                    if name.startswith("mp3") and name != "mp3SongLen"])
+                usual.append((path, {}))
+        self.same(rows, pictures=3)
+        usual_texts = [[value for name, value in sorted(found.items()) if name.startswith("mp3") and name != "mp3SongLen"]
+                       for found in self.expect_all(usual)]
         # What the usual reading said before there was another one.
         self.assertEqual(hashlib.sha256(json.dumps(usual_texts).encode()).hexdigest()[:16], "ac0e48e5abb8e369")
 
@@ -130,7 +134,8 @@ class Tags(Folder):
         plain = self.write("plain.mp3", self.sounds["mp3"])
         metadata = [word for fact in (f"title={LATIN}", "artist=Ann", f"album={WIDE}", "genre=Rock", "comment=Über", "date=1999",
                                       "track=3/12") for word in ("-metadata", fact)]
-        for command in (
+        rows = []
+        for number, command in enumerate((
                 *(["eyeD3", "--quiet", f"--to-v{version}", "--encoding", encoding, "-t", LATIN, "-a", "Ann", "-G", "Rock",
                    "-A", LATIN if encoding == "latin1" else WIDE, "-n", "3", "-N", "12", "-Y", "1999",
                    "--add-comment", "Über::deu", "--add-image", f"{cover}:FRONT_COVER:Bild"]
@@ -143,10 +148,10 @@ class Tags(Folder):
                 *(["lame", "--quiet", *options, "--tt", LATIN, "--ta", "Ann", "--tl", "Album", "--ty", "1999", "--tc", "Über",
                    "--tn", "3/12", "--tg", "Rock", self.sound(seconds=0.4, channels=1)]
                   for options in (["--id3v2-latin1", "--ti", cover], ["--id3v2-utf16", "--ti", cover], ["--id3v1-only"],
-                                  ["--id3v2-only", "--pad-id3v2"]))):
-            self.write("x.mp3", self.sounds["mp3"])
-            with self.subTest(command=command):
-                self.same(self.made("x.mp3", *command))
+                                  ["--id3v2-only", "--pad-id3v2"])))):
+            path = self.write(f"{number} {command[0]}.mp3", self.sounds["mp3"])
+            rows.append((self.made(path.name, *command), theirs(path)))
+        self.same(rows)
 
     def test_lengths(self):
         """As exact as whole seconds are, whatever the encoder added in front of and behind the sound."""

@@ -62,6 +62,7 @@ TEST_F(OnASlowDisk, LeavesNoMoreThanTwoReadingsOfADiskBehind) {
     choose(disk.song("late-150-2.mp3", "two"));
     EXPECT_TRUE(shows("two"));
     choose(disk.song("hang-read-3.mp3", "late"));
+    runFor(500); // called off before it reaches the disk, it would not hang
     choose(disk.song("late-1-6.mp3", "six"));
     EXPECT_TRUE(controller->isReading());
     choose(song("other"));
@@ -183,9 +184,9 @@ TEST_F(OnASlowDisk, TheProgramEnds) {
     ASSERT_TRUE(waitFor(isOnTheBus, 20000));
     runFor(300);
     ChildProcess second(start + disk.song("hang-read.mp3", "late") + "'");
-    EXPECT_EQ(second.exitCode(2000), 0); // three seconds are the limit of who hands over
+    EXPECT_EQ(second.exitCode(2900), 0); // three seconds are the limit of who hands over
     program.signal(SIGTERM);
-    EXPECT_TRUE(waitFor([] { return !isOnTheBus(); }, 2000));
+    EXPECT_TRUE(waitFor([] { return !isOnTheBus(); }, 5000));
     disk.answer(); // before that the system lets no process go
     EXPECT_EQ(program.exitCode(), 0);
 }
