@@ -51,10 +51,9 @@ void OutputBuffer::appendNumber(std::int64_t number) {
     append({digits.begin(), end});
 }
 
-bool OutputBuffer::flush() {
+void OutputBuffer::flush() {
     write({buffer_.get(), used_});
     used_ = 0;
-    return errorNumber_ == 0;
 }
 
 void OutputBuffer::write(std::string_view bytes) {

@@ -65,8 +65,8 @@ public:
     }
     void appendNumber(std::int64_t number);
 
-    /// Writes what is gathered. False when this or an earlier write failed; errorNumber tells why.
-    bool flush();
+    /// Writes what is gathered; errorNumber tells whether this or an earlier write failed.
+    void flush();
     [[nodiscard]] bool isEmpty() const noexcept { return used_ == 0; }
     /// What is gathered, which the caller takes over.
     [[nodiscard]] std::string_view takeAll() noexcept { return {buffer_.get(), std::exchange(used_, 0)}; }

@@ -201,16 +201,7 @@ std::int32_t rcReadUInt64FromCache(rcCacheRec* cache, std::uint64_t position, st
 
 std::int32_t rcCloseCacheAndFile(rcCacheRec* cache) noexcept {
     const std::int32_t refNum = cache->refNum;
-    cache->buffer.reset();
-    cache->bufferSize = 0;
-    cache->bufferPos = 0;
-    cache->validLength = 0;
-    cache->eof = 0;
-    cache->fillSize = 0;
-    cache->dataStart = 0;
-    cache->dataEnd = 0;
-    cache->refNum = 0;
-    cache->progress = nullptr;
+    *cache = {};
     return refNum == 0 ? fileNoErr : feCloseFile(refNum);
 }
 

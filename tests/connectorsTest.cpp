@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <pwd.h>
+#include <sstream>
 #include <unistd.h>
 #include <vector>
 
@@ -43,7 +45,7 @@ protected:
     ConnectorFolders folders{.root = folder.path("root"),
                              .sources = SONARIN_CONNECTORS,
                              .plugins = folder.path("plug 'ins$(false)"),
-                             .programs = "/programs",
+                             .programs = "/100% \"of\" $s",
                              .data = folder.path("data"),
                              .config = folder.path("config"),
                              .quodLibet = folder.path("config/quodlibet"),
@@ -63,6 +65,9 @@ TEST_F(Connectors, KnowWhatAProgramLacks) {
     EXPECT_EQ(find("thunar")->missing, std::vector<std::string>{"gir1.2-thunarx-3.0"});
     put("root/usr/lib/some-arch/girepository-1.0/Thunarx-3.0.typelib");
     EXPECT_EQ(find("thunar")->state, State::available);
+    install("nautilus");
+    put("root/usr/lib/some-arch/nautilus/extensions-4/libnautilus-python.so");
+    EXPECT_EQ(find("nautilus")->missing, std::vector<std::string>{"gir1.2-gtk-4.0"});
     put("root/usr/share/thunarx-python/extensions/sonarin_filemanagers.py");
     fs::remove(folder.path("root/usr/lib/some-arch/thunarx-3/thunarx-python.so"));
     EXPECT_EQ(find("thunar")->state, State::connectedForAll);
@@ -105,7 +110,11 @@ TEST_F(Connectors, NameTheInstallationThatTheyBelongTo) {
     put("plug 'ins$(false)/kf5/overlayicon/sonarin_dolphin.so");
     ASSERT_FALSE(addConnector(folders, "dolphin"));
     EXPECT_EQ(find("dolphin")->state, State::connected);
-    EXPECT_EQ(access((folders.data + "/kio/servicemenus/sonarin.desktop").c_str(), X_OK), 0);
+    const std::string menu = folders.data + "/kio/servicemenus/sonarin.desktop";
+    EXPECT_EQ(access(menu.c_str(), X_OK), 0);
+    std::stringstream text;
+    text << std::ifstream(menu).rdbuf();
+    EXPECT_NE(text.str().find(R"("/100%% \\"of\\" \\$s/)"), std::string::npos) << text.str();
     setenv("SONARIN_PLUGINS", folders.plugins.c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     const std::string command =
         "QT_PLUGIN_PATH=/before; . '" + folders.config +

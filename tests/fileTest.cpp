@@ -268,12 +268,16 @@ TEST(Rename, ReplacesNothingWhereTheDiskCannotTell) {
     folder.write("taken", "precious");
     fs::create_directory(folder.path("a"));
     fs::create_directory(folder.path("b"));
-    for (const auto& [from, to, error] :
-         {std::tuple("old", "taken", EEXIST), {"old", "new", 0}, {"a", "b", EEXIST}, {"a", "c", 0}}) {
+    for (const auto& [from, to, error] : {std::tuple("old", "taken", EEXIST),
+                                          {"old", "new", 0},
+                                          {"a", "b", EEXIST},
+                                          {"b", "b/c", EINVAL},
+                                          {"a", "c", 0}}) {
         EXPECT_EQ(renameItemByLink(folder.path(from), folder.path(to)), error) << from << to;
         EXPECT_EQ(fs::exists(folder.path(from)), error != 0);
     }
     EXPECT_EQ(fs::file_size(folder.path("new")), 7U);
+    EXPECT_TRUE(fs::is_empty(folder.path("b")));
 }
 
 /// Several programs want the same name at the same moment: one gets it, and no file is lost.

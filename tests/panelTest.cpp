@@ -171,7 +171,7 @@ TEST(Panel, OffersNamesAndSearches) {
         std::tuple<std::uint16_t, SvxStringRef, SvxStringRef, SvxStringRef, std::int32_t, std::string, bool>;
     for (const auto& [track, title, artist, album, type, names, canTell] :
          {Case{10, text("T"), text("A"), nullptr, amdTypeM4P, "T.m4p|10 - T.m4p|A - T.m4p|", true},
-          {0, text("T"), nullptr, text("L"), amdTypeAIFF, "T.aiff|", false},
+          {9, text("T"), nullptr, text("L"), amdTypeAIFF, "T.aiff|09 - T.aiff|", false},
           {0, text("T"), nullptr, text("L"), amdTypeWAVE, "T.|", false},
           {0, text(""), nullptr, nullptr, amdTypeM4A, ".m4a|", false}, // empty counts as present
           {3, nullptr, text("A"), text("L"), amdTypeMP3, "", false}}) {

@@ -140,12 +140,13 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
                          {"(absent)",
                           {id3Tag(std::string(10, '\0') + title), id3Tag(title.substr(0, 10), 0) + "\0Title"s,
                            id3Tag(textFrame("TT2", "T"), 9, 2, 0x40)}}}); // compressed, in no known way
-    expectEach(
-        [](const std::string& tag) { return endAndFacts(tag, byStandard); },
-        {{"36 tag=4 title=Title", {id3Tag(title, 0, 4, 0x10)}}, // with a footer
-         {"26 tag=3 title=Title", {id3Tag(title, 0, 3, 0x10)}},
-         {"26", {id3Tag(title, 0, 1), id3Tag(title, 0, 5)}},
-         {"0", {"ID3", "ID3\3\xFF\0\0\0\0\0"s, "ID3\3\0\0\0\0\x80\0"s, id3Tag(title).replace(0, 3, "3DI")}}});
+    expectEach([](const std::string& tag) { return endAndFacts(tag, byStandard); },
+               {{"36 tag=4 title=Title", {id3Tag(title, 0, 4, 0x10)}}, // with a footer
+                {"26 tag=3 title=Title", {id3Tag(title, 0, 3, 0x10)}},
+                {"26", {id3Tag(title, 0, 1), id3Tag(title, 0, 5)}},
+                {"0",
+                 {"ID3", "ID3\3\xFF\0\0\0\0\0"s, "ID3\3\0\0\0\0\x80\0"s, "ID3\3\0\0\0\0\0\x80"s,
+                  id3Tag(title).replace(0, 3, "3DI")}}});
 }
 
 TEST(ByStandard, UndoesWhatWasDoneForStoring) {
@@ -264,6 +265,21 @@ TEST(ByStandard, TakesFromATagAtTheEndWhatIsMissing) {
                 {facts + " tag=1 code=-125 track=7 title=Café" + known + "Indie",
                  {sound + "TAG" + texts + "-12 " + comment}},
                 {facts + " tag=3 year=2000 track=1 title=T" + known + "x", {tag + sound + block}}});
+    // Whichever it is.
+    const std::array frames = {textFrame("TIT2", "T"),        textFrame("TPE1", "A"),
+                               textFrame("TALB", "L"),        textFrame("TYER", "1"),
+                               id3Frame("COMM", "\0eng\0C"s), textFrame("TCON", "Rock"),
+                               textFrame("TRCK", "7")};
+    const std::string every =
+        padded("T", 30) + padded("A", 30) + padded("L", 30) + "0001" + padded("C", 29) + "\7\x11";
+    for (const std::string& missing : frames) {
+        std::string present;
+        for (const std::string& frame : frames) {
+            present += frame == missing ? "" : frame;
+        }
+        EXPECT_EQ(factsOf(readByStandard("x.mp3", id3Tag(present) + sound + "TAG" + every)),
+                  facts + " tag=3 year=1 track=7 title=T artist=A album=L comment=C genre=Rock");
+    }
 }
 
 TEST(ByStandard, TakesLengthsFromTheEncodersHeader) {

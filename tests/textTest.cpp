@@ -112,6 +112,7 @@ TEST(TextValue, FindsUnderCanonicalEquivalenceAndCase) {
         {"abc", "", 0, true, -1},          {"e\u0301 noir", "NOIR", 0, false, 3},
         {"café", "e", 0, true, -1},        {"cafe\u0301", "e", 0, true, -1},
         {"groß", "SS", 0, false, 3},       {"STRASSE", "straße", 0, false, 0},
+        {"fe\uFB06", "ST", 0, false, 2},   {"\uFB01x", "fi", 0, false, 0},
         {"groß", "s", 0, false, -1},       {many + "itUN" + many, "iTun", 0, false, 90},
         {"가", "\u1100", 0, true, -1},     {"日" + many + "itUN", "iTun", 0, false, 91},
         {"10 \u212Am", "km", 0, false, 3}, {many + manyMore + "b", manyMore + "b", 0, true, 90}};
@@ -312,9 +313,9 @@ TEST(LocalizedStrings, ComeFromTheBundleThatWasAskedForLast) {
 TEST(LocalizedStrings, ParseTheirSyntax) {
     using Entries = std::vector<std::pair<std::string, std::string>>;
     EXPECT_EQ(
-        parseStringsFile("/* a */ \"k\" = \"v\"; // b\n\"q\\\"\" = \"\\n\\t\\\\ \\U00e9\\Ud83c\\Udfb5\";"),
-        (Entries{{"k", "v"}, {"q\"", "\n\t\\ é🎵"}}));
-    EXPECT_EQ(parseStringsFile("/*/ \"a\" = \"b\"; */ \"k\" = \"v\";"), (Entries{{"k", "v"}}));
+        parseStringsFile("/* a */ \"k\" = \"v\"; // b\n\"q\\\"\" = \"\\n\\r\\t\\\\ \\U00e9\\Ud83c\\Udfb5\";"),
+        (Entries{{"k", "v"}, {"q\"", "\n\r\t\\ é🎵"}}));
+    EXPECT_EQ(parseStringsFile("/*/ \"a\" = \"b\"; */ /**/ \"k\" = \"v\";"), (Entries{{"k", "v"}}));
     for (const char* broken : {"\"k\" = \"v\"", "\"k\" \"v\";", "\"k\" = \"\\Ud83c\";", "\"k", "\\", "/* "}) {
         EXPECT_TRUE(parseStringsFile(broken).empty()) << broken;
     }
