@@ -27,23 +27,6 @@ def complaints(*causes):
     return "".join(f"sonarin-info: {cause}\n" for cause in causes)
 
 
-def synchsafe(number, bits=7):
-    """Four bytes of so many bits each; with 8, a plain number."""
-    return bytes(number >> bits * place & (1 << bits) - 1 for place in (3, 2, 1, 0))
-
-
-def chunk(name, content):
-    return name + synchsafe(len(content), 8) + content
-
-
-def frame(name, content, flags=0, bits=8):
-    return name + synchsafe(len(content), bits) + flags.to_bytes(2, "big") + content
-
-
-def id3_tag(content, version=3, flags=0):
-    return b"ID3" + bytes((version, 0, flags)) + synchsafe(len(content)) + content
-
-
 class Folder(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))

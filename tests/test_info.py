@@ -7,7 +7,8 @@ import subprocess
 import time
 import zlib
 
-from program import INFO, SAMPLE, SAMPLES, SOUND, Folder, chunk, complaints, frame, id3_tag, run, synchsafe
+from program import INFO, SAMPLE, SAMPLES, SOUND, Folder, complaints, run
+from sample_bytes import chunk, frame, id3_tag, synchsafe
 
 
 class Output(Folder):

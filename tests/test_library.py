@@ -9,7 +9,8 @@ import signal
 import subprocess
 import time
 
-from program import INFO, SAMPLE, SOUND, Folder, complaints, frame, id3_tag, run
+from program import INFO, SAMPLE, SOUND, Folder, complaints, run
+from sample_bytes import frame, id3_tag
 
 
 def listed(*paths):

@@ -9,7 +9,8 @@ import zlib
 
 from mutagen import File, aiff, id3, mp3, wave
 
-from program import Folder, frame, id3_tag, run, synchsafe
+from program import Folder, run
+from sample_bytes import frame, id3_tag, synchsafe
 
 LATIN, WIDE = "Größe éà", "日本の🎵"
 # With what a resynchronised picture must keep, and what an unsynchronised one must not have.
