@@ -34,16 +34,17 @@ struct Signature {
     std::string_view bytes;
     std::string_view extension;
 };
-constexpr std::array<Signature, 8> signatures = {{
+using namespace std::string_view_literals;
+constexpr auto signatures = std::to_array<Signature>({
     {"\xFF\xD8\xFF", "jpg"},
     {"\x89PNG\r\n\x1A\n", "png"},
     {"GIF8", "gif"},
     {"BM", "bmp"},
     {"RIFF????WEBP", "webp"},
-    {{"II*\0", 4}, "tiff"},
-    {{"MM\0*", 4}, "tiff"},
+    {"II*\0"sv, "tiff"},
+    {"MM\0*"sv, "tiff"},
     {"????ftypavif", "avif"},
-}};
+});
 
 } // namespace
 
@@ -68,7 +69,9 @@ std::string writeCover(const SvxStringRef& path, ByteView cover, const std::stri
         return "The cover would replace the audio file itself";
     }
     const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | (force ? O_TRUNC : O_EXCL);
-    const FileDescriptor out(open(target.c_str(), flags, 0666)); // NOLINT(cppcoreguidelines-pro-type-vararg)
+    const FileDescriptor out(uninterrupted([&] {
+        return open(target.c_str(), flags, 0666); // NOLINT(cppcoreguidelines-pro-type-vararg)
+    }));
     if (!out) {
         return target + ": " + hostErrorText(errno) + (errno == EEXIST ? " (--force replaces it)" : "");
     }

@@ -48,8 +48,10 @@ bool waitForMore(int descriptor) {
 
 NameList::NameList(std::string list) : list_(std::move(list)) {
     const bool isStandardInput = list_ == "-";
-    file_ = FileDescriptor(isStandardInput ? dup(STDIN_FILENO)
-                                           : open(list_.c_str(), O_RDONLY | O_CLOEXEC)); // NOLINT(*-vararg)
+    file_ = FileDescriptor(uninterrupted([&] {
+        return isStandardInput ? dup(STDIN_FILENO)
+                               : open(list_.c_str(), O_RDONLY | O_CLOEXEC); // NOLINT(*-vararg)
+    }));
     struct stat status {};
     if (!file_) {
         error_ = errno;
@@ -128,7 +130,7 @@ bool FolderWalk::Listing::holds(const char* name) const {
 void FolderWalk::enter(const std::string& folder) {
     // A folder in a folder is no link: that it became one since it was listed changes nothing.
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | (open_.empty() ? 0 : O_NOFOLLOW);
-    FileDescriptor file(open(folder.c_str(), flags)); // NOLINT(*-vararg)
+    FileDescriptor file(uninterrupted([&] { return open(folder.c_str(), flags); })); // NOLINT(*-vararg)
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(file ? fdopendir(file.get()) : nullptr, closedir);
     if (!stream) {
         problem_ = FileName{folder, hostErrorText(errno)};
