@@ -19,7 +19,7 @@ struct FindRule {
     std::string_view urlFormat;
 };
 
-constexpr std::array<FindRule, 6> findRules = {{
+constexpr auto findRules = std::to_array<FindRule>({
     {FindKey::song, &audioTags::mp3SongTitleString, "Find all songs \"%@\" in Shelvix",
      "shelvix://find/audio/&song=%@"},
     {FindKey::album, &audioTags::mp3AlbumString, "Find all songs of album \"%@\" in Shelvix",
@@ -31,7 +31,7 @@ constexpr std::array<FindRule, 6> findRules = {{
      "shelvix://find/audio/&genre=%@"},
     {FindKey::composer, &audioTags::mp3ComposerString, "Find all songs of composer \"%@\" in Shelvix",
      "shelvix://find/audio/&composer=%@"},
-}};
+});
 
 bool hasValue(const FindRule& rule, const audioTags& record) {
     return rule.value == nullptr ? record.mp3Year != 0 : SvxStringIsValid(record.*rule.value);
@@ -41,7 +41,6 @@ bool hasValue(const FindRule& rule, const audioTags& record) {
 
 std::vector<FindKey> findKeys(const audioTags& record) {
     std::vector<FindKey> keys;
-    keys.reserve(findRules.size());
     for (const FindRule& rule : findRules) {
         if (hasValue(rule, record)) {
             keys.push_back(rule.key);

@@ -63,12 +63,12 @@ SvxStringRef entryOf(const std::array<const char*, Size>& texts, std::size_t ind
 }
 
 SvxStringRef channelsText(const audioTags& record, const HostPicture* /*cover*/) noexcept {
-    constexpr std::array<const char*, 4> modes = {"Stereo", " Joint Stereo", "Dual Mono", "Mono"};
+    constexpr std::array modes = {"Stereo", " Joint Stereo", "Dual Mono", "Mono"};
     return entryOf(modes, record.mp3ChannelMode);
 }
 
 SvxStringRef tagVersionText(const audioTags& record, const HostPicture* /*cover*/) noexcept {
-    constexpr std::array<const char*, 5> versions = {"", "ID3v1", "ID3v2", "ID3v3", "ID3v4"};
+    constexpr std::array versions = {"", "ID3v1", "ID3v2", "ID3v3", "ID3v4"};
     return entryOf(versions, record.mp3TagVersion);
 }
 
@@ -86,7 +86,7 @@ SvxStringRef coverText(const audioTags& record, const HostPicture* cover) noexce
 }
 
 // clang-format off
-constexpr std::array<PanelFact, 14> facts = {{
+constexpr auto facts = std::to_array<PanelFact>({
     // name                  label       caption text JSON
     {"id3SongTitleField",    "Title",    false,   1,   3, asItStands<&audioTags::mp3SongTitleString>},
     {"id3ArtistField",       "Artist",   false,   2,   4, asItStands<&audioTags::mp3ArtistString>},
@@ -102,7 +102,7 @@ constexpr std::array<PanelFact, 14> facts = {{
     {"id3ComposerField",     "Composer", true,    7,   7, asItStands<&audioTags::mp3ComposerString>},
     {"id3EncoderAppField",   "Encoder",  true,   12,   8, asItStands<&audioTags::mp3EncoderAppString>},
     {"id3CommentField",      "Comment",  true,    8,  10, asItStands<&audioTags::mp3CommentString>},
-}};
+});
 // clang-format on
 
 /// The facts that have a place, in the order of their places.

@@ -49,7 +49,6 @@ std::vector<RenamePattern> renamePatterns(const audioTags& record) {
     if (!SvxStringIsValid(record.mp3SongTitleString)) {
         return patterns;
     }
-    patterns.reserve(4);
     patterns.push_back(RenamePattern::songTitle);
     if (record.mp3TheTrack != 0) {
         patterns.push_back(RenamePattern::trackNumSongTitle);

@@ -23,7 +23,7 @@ enum Option : int {
     optionVersion
 };
 
-constexpr std::array<option, 10> options = {{
+constexpr auto options = std::to_array<option>({
     {"json", no_argument, nullptr, optionJson},
     {"cover", required_argument, nullptr, optionCover},
     {"force", no_argument, nullptr, optionForce},
@@ -34,7 +34,7 @@ constexpr std::array<option, 10> options = {{
     {"help", no_argument, nullptr, optionHelp},
     {"version", no_argument, nullptr, optionVersion},
     {nullptr, 0, nullptr, 0},
-}};
+});
 
 constexpr unsigned mostJobs = 1024;
 

@@ -14,7 +14,7 @@ constexpr std::uint32_t id2(const std::uint32_t paddedCode) {
     return paddedCode >> 8U;
 }
 
-constexpr std::array<FrameRule, 12> version2Rules = {{
+constexpr auto version2Rules = std::to_array<FrameRule>({
     {id2(fourCC("TT2 ")), FrameKind::text, &audioTags::mp3SongTitleString},
     {id2(fourCC("TP1 ")), FrameKind::text, &audioTags::mp3ArtistString},
     {id2(fourCC("TAL ")), FrameKind::text, &audioTags::mp3AlbumString},
@@ -27,9 +27,9 @@ constexpr std::array<FrameRule, 12> version2Rules = {{
     {id2(fourCC("TRK ")), FrameKind::track},
     {id2(fourCC("TYE ")), FrameKind::year},
     {id2(fourCC("PIC ")), FrameKind::picture},
-}};
+});
 
-constexpr std::array<FrameRule, 13> version3Rules = {{
+constexpr auto version3Rules = std::to_array<FrameRule>({
     {fourCC("TIT2"), FrameKind::text, &audioTags::mp3SongTitleString},
     {fourCC("TPE1"), FrameKind::text, &audioTags::mp3ArtistString},
     {fourCC("TALB"), FrameKind::text, &audioTags::mp3AlbumString},
@@ -43,12 +43,7 @@ constexpr std::array<FrameRule, 13> version3Rules = {{
     {fourCC("TYER"), FrameKind::year},
     {fourCC("TDRC"), FrameKind::recordingTime},
     {fourCC("APIC"), FrameKind::picture},
-}};
-
-bool isPadding(const FrameLayout& layout, ByteView header) {
-    const ByteView idBytes = header.first(layout.idBytesStop);
-    return std::all_of(idBytes.begin(), idBytes.end(), [](std::uint8_t byte) { return byte == 0; });
-}
+});
 
 Frame decodeVersion2(ByteView header) {
     return {bigEndian24(header), bigEndian24(header, 3)};
@@ -60,19 +55,19 @@ Frame decodeVersion3(ByteView header) {
 
 } // namespace
 
-constexpr FrameLayout version2Layout = {6, 1, decodeVersion2, version2Rules};
-constexpr FrameLayout version3Layout = {10, 4, decodeVersion3, version3Rules};
+constexpr FrameLayout version2Layout = {6, 0xFF0000, decodeVersion2, version2Rules};
+constexpr FrameLayout version3Layout = {10, 0xFFFFFFFF, decodeVersion3, version3Rules};
 
 std::int32_t walkFrames(const FrameLayout& layout, rcCacheRec* cache, std::uint64_t position,
                         std::uint64_t end, FrameReading& reading) noexcept {
     std::int32_t result = fileNoErr;
     while (position < end) {
-        std::array<std::uint8_t, 10> header{};
+        std::array<std::uint8_t, version3Layout.headerSize> header{}; // the longer one
         result = rcReadFromCache(cache, position, layout.headerSize, header.data());
-        if (result != fileNoErr || isPadding(layout, header)) {
+        Frame frame = layout.decode(header);
+        if (result != fileNoErr || (frame.id & layout.paddedId) == 0) {
             break;
         }
-        Frame frame = layout.decode(header);
         frame.dataPosition = position + layout.headerSize;
         const std::optional<std::uint32_t> size = reading.sizeOf(frame);
         if (!size) {

@@ -41,7 +41,7 @@ struct Frame {
 /// How the frames of a tag are laid out (ID3v2.2, section 3.2; ID3v2.3, section 3.3).
 struct FrameLayout {
     std::uint32_t headerSize;
-    std::uint32_t idBytesStop;        ///< the walk ends where this many bytes of the id are all zero
+    std::uint32_t paddedId;           ///< the bits of an id that are all zero in padding, where the walk ends
     Frame (*decode)(ByteView header); ///< all but the place of its data
     std::span<const FrameRule> rules;
 };

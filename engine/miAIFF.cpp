@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 namespace sonarin {
 
@@ -17,11 +18,11 @@ namespace {
 
 /// The fields of a "COMM" chunk.
 struct CommonChunk {
-    std::int16_t channels = 0;
-    std::uint32_t sampleFrames = 0;
-    std::int16_t sampleSize = 0; ///< bits
-    std::uint32_t sampleRate = 0;
-    std::uint32_t compressionType = 0; ///< AIFF-C only
+    std::int16_t channels;
+    std::uint32_t sampleFrames;
+    std::int16_t sampleSize; ///< bits
+    std::uint32_t sampleRate;
+    std::uint32_t compressionType; ///< AIFF-C only
 };
 
 struct CompressionFactor {
@@ -29,7 +30,7 @@ struct CompressionFactor {
     std::uint32_t factor; ///< uncompressed bytes for one stored byte
 };
 
-constexpr std::array<CompressionFactor, 7> compressionFactors = {{
+constexpr auto compressionFactors = std::to_array<CompressionFactor>({
     {fourCC("cdx2"), 2},
     {fourCC("alaw"), 2},
     {fourCC("ulaw"), 2},
@@ -37,7 +38,7 @@ constexpr std::array<CompressionFactor, 7> compressionFactors = {{
     {fourCC("ima4"), 4},
     {fourCC("cdx4"), 4},
     {fourCC("MAC6"), 6},
-}};
+});
 
 std::uint32_t compressionFactor(std::uint32_t type) {
     const auto* found = std::find_if(compressionFactors.begin(), compressionFactors.end(),
@@ -51,17 +52,15 @@ std::uint32_t wholeRate(double rate) {
 }
 
 /// Thirty bytes are read in plain AIFF too, where the chunk has 26.
-bool readCommon(rcCacheRec* cache, const Chunk& chunk, CommonChunk* common) {
+std::optional<CommonChunk> readCommon(rcCacheRec* cache, const Chunk& chunk) {
     std::array<std::uint8_t, 30> bytes{};
     if (rcReadFromCache(cache, chunk.position, bytes.size(), bytes.data()) != fileNoErr) {
-        return false;
+        return std::nullopt;
     }
-    common->channels = static_cast<std::int16_t>(bigEndian16(bytes, 8));
-    common->sampleFrames = bigEndian32(bytes, 10);
-    common->sampleSize = static_cast<std::int16_t>(bigEndian16(bytes, 14));
-    common->sampleRate = wholeRate(ConvertFromIeeeExtended(ByteView(bytes).subspan(16, 10)));
-    common->compressionType = bigEndian32(bytes, 26);
-    return true;
+    return CommonChunk{static_cast<std::int16_t>(bigEndian16(bytes, 8)), bigEndian32(bytes, 10),
+                       static_cast<std::int16_t>(bigEndian16(bytes, 14)),
+                       wholeRate(ConvertFromIeeeExtended(ByteView(bytes).subspan(16, 10))),
+                       bigEndian32(bytes, 26)};
 }
 
 /// AIFF-C: seconds that the form's bytes would last uncompressed, all in 32 bits.
@@ -133,13 +132,13 @@ bool miGetAIFFInfo(const SvxStringRef& path, miAudioInfo* info, audioTags* recor
         if (tags.isOne(chunk)) {
             tags.take(chunk);
         } else if (chunk.id == fourCC("COMM")) {
-            CommonChunk common;
-            if (!readCommon(file.cache(), chunk, &common)) {
+            const std::optional<CommonChunk> common = readCommon(file.cache(), chunk);
+            if (!common) {
                 return false;
             }
             commFound = true;
             if (info != nullptr) {
-                *info = infoOf(common, walk);
+                *info = infoOf(*common, walk);
             }
         }
     }

@@ -6,6 +6,7 @@
 #include "engine/id3standard.h"
 
 #include <array>
+#include <optional>
 
 namespace sonarin {
 
@@ -15,24 +16,20 @@ constexpr std::uint32_t formatPCM = 1;
 
 /// The fields of a "fmt " chunk that are used.
 struct WaveFormat {
-    std::uint32_t tag = 0;
-    std::uint32_t channels = 0;
-    std::uint32_t samplesPerSecond = 0;
-    std::uint32_t averageBytesPerSecond = 0;
-    std::uint32_t bitsPerSample = 0;
+    std::uint32_t tag;
+    std::uint32_t channels;
+    std::uint32_t samplesPerSecond;
+    std::uint32_t averageBytesPerSecond;
+    std::uint32_t bitsPerSample;
 };
 
-bool readFormat(rcCacheRec* cache, const Chunk& chunk, WaveFormat* format) {
+std::optional<WaveFormat> readFormat(rcCacheRec* cache, const Chunk& chunk) {
     std::array<std::uint8_t, 24> bytes{};
     if (rcReadFromCache(cache, chunk.position, bytes.size(), bytes.data()) != fileNoErr) {
-        return false;
+        return std::nullopt;
     }
-    format->tag = littleEndian16(bytes, 8);
-    format->channels = littleEndian16(bytes, 10);
-    format->samplesPerSecond = littleEndian32(bytes, 12);
-    format->averageBytesPerSecond = littleEndian32(bytes, 16);
-    format->bitsPerSample = littleEndian16(bytes, 22);
-    return true;
+    return WaveFormat{littleEndian16(bytes, 8), littleEndian16(bytes, 10), littleEndian32(bytes, 12),
+                      littleEndian32(bytes, 16), littleEndian16(bytes, 22)};
 }
 
 /// The sampling rate as the bytes per second give it; unchanged for sample sizes that are no whole bytes.
@@ -70,28 +67,27 @@ bool readsAsWave(ChunkWalk* walk) {
 
 /// Fills what is known about the sound; false when the format was not found.
 bool readInfo(rcCacheRec* cache, ChunkWalk walk, miAudioInfo* info) {
-    WaveFormat format;
-    bool compressedFormatSeen = false;
+    std::optional<WaveFormat> format;
     for (Chunk chunk; walk.next(&chunk);) {
         if (chunk.id == fourCC("fmt ")) {
-            if (!readFormat(cache, chunk, &format)) {
+            format = readFormat(cache, chunk);
+            if (!format) {
                 return false;
             }
-            storeFormat(format, info);
-            if (format.tag == formatPCM) {
+            storeFormat(*format, info);
+            if (format->tag == formatPCM) {
                 info->duration =
-                    static_cast<std::uint16_t>(divide(walk.formSize(), format.averageBytesPerSecond));
+                    static_cast<std::uint16_t>(divide(walk.formSize(), format->averageBytesPerSecond));
                 return true;
             }
-            compressedFormatSeen = true;
         } else if (chunk.id == fourCC("fact")) {
             std::uint32_t samples = 0;
             const std::uint64_t field = chunk.position + chunkHeaderSize;
             if (rcReadUInt32FromCache(cache, field, rcByteOrderLittle, &samples) != fileNoErr) {
                 return false;
             }
-            if (compressedFormatSeen) {
-                storeCompressed(format, samples, info);
+            if (format) {
+                storeCompressed(*format, samples, info);
                 return true;
             }
         }

@@ -12,22 +12,20 @@ constexpr std::uint8_t mpeg1 = 3;
 constexpr std::uint8_t mpeg2 = 2;
 constexpr std::uint8_t layer2 = 2;
 
-// Sampling rates in Hz, by sampling-rate index.
-using SamplingRates = std::array<std::uint16_t, 4>;
-constexpr SamplingRates mp3v10SamplingRateArray = {44100, 48000, 32000, 0};
-constexpr SamplingRates mp3v20SamplingRateArray = {22050, 24000, 16000, 0};
-constexpr SamplingRates mp3v25SamplingRateArray = {11025, 12000, 8000, 0};
+// Sampling rates in Hz, by sampling-rate index; the last one is reserved.
+using SamplingRates = std::array<std::uint16_t, 3>;
+constexpr SamplingRates mp3v10SamplingRateArray = {44100, 48000, 32000};
+constexpr SamplingRates mp3v20SamplingRateArray = {22050, 24000, 16000};
+constexpr SamplingRates mp3v25SamplingRateArray = {11025, 12000, 8000};
 
-// Bit rates in kbit/s, by bit-rate index; 0 is free format, 15 forbidden.
-using BitRates = std::array<std::uint16_t, 16>;
+// Bit rates in kbit/s, by bit-rate index less one: 0 is free format, 15 forbidden.
+using BitRates = std::array<std::uint16_t, 14>;
 /// ISO/IEC 11172-3, Layer II.
-constexpr BitRates mp3v1L2BitRateArray = {0,   32,  48,  56,  64,  80,  96,  112,
-                                          128, 160, 192, 224, 256, 320, 384, 0};
+constexpr BitRates mp3v1L2BitRateArray = {32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384};
 /// ISO/IEC 11172-3, Layer III.
-constexpr BitRates mp3v1L3BitRateArray = {0,   32,  40,  48,  56,  64,  80,  96,
-                                          112, 128, 160, 192, 224, 256, 320, 0};
+constexpr BitRates mp3v1L3BitRateArray = {32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320};
 /// ISO/IEC 13818-3, the lower sampling frequencies, Layers II and III.
-constexpr BitRates mp3v2L23BitRateArray = {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, 0};
+constexpr BitRates mp3v2L23BitRateArray = {8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
 
 constexpr std::uint32_t field(std::uint32_t word, unsigned lowestBit, unsigned width) {
     return (word >> lowestBit) & ((1U << width) - 1U);
@@ -63,8 +61,8 @@ SONARIN_ALSO_FOR_AVX2 std::size_t headerlessRun(const std::uint8_t* bytes, std::
         std::uint8_t any = 0;
         for (std::size_t i = run; i < run + searchBlock; ++i) {
             const auto second = static_cast<std::uint8_t>(bytes[i + 1] - 0xE2);
-            const auto begins = static_cast<std::uint8_t>(bytes[i] == 0xFF ? 1 : 0);
-            const auto goesOn = static_cast<std::uint8_t>(second <= 0xFD - 0xE2 ? 1 : 0);
+            const auto begins = static_cast<std::uint8_t>(bytes[i] == 0xFF);
+            const auto goesOn = static_cast<std::uint8_t>(second <= 0xFD - 0xE2);
             any = static_cast<std::uint8_t>(any | (begins & goesOn));
         }
         if (any != 0) {
@@ -106,7 +104,7 @@ MpegFrameHeader decodeMpegFrameHeader(ByteView bytes) noexcept {
                                : header.layer == layer2 ? mp3v1L2BitRateArray
                                                         : mp3v1L3BitRateArray;
     header.samplingRate = samplingRates.at(field(word, 10, 2));
-    header.bitRate = bitRates.at(field(word, 12, 4));
+    header.bitRate = bitRates.at(field(word, 12, 4) - 1);
     return header;
 }
 

@@ -13,10 +13,10 @@ namespace sonarin {
 namespace {
 
 struct StreamLength {
-    std::uint32_t frames = 0;
-    std::uint32_t bytes = 0;  ///< 0 when it is not said
-    std::uint32_t silent = 0; ///< samples that the encoder added at both ends
-    bool isVariable = true;
+    bool isVariable;
+    std::uint32_t frames;
+    std::uint32_t bytes;  ///< 0 when it is not said
+    std::uint32_t silent; ///< samples that the encoder added at both ends
 };
 
 /// The longest header, with the extension's part that is used; zero where the file ends before.
@@ -66,10 +66,7 @@ std::optional<StreamLength> xingLength(ByteView bytes) {
         position += isThere ? 4 : 0;
         return isThere ? bigEndian32(bytes, position - 4) : 0;
     };
-    StreamLength length;
-    length.isVariable = magic == fourCC("Xing");
-    length.frames = number(1);
-    length.bytes = number(2);
+    StreamLength length{magic == fourCC("Xing"), number(1), number(2), 0};
     position += (flags & 4U) != 0 ? 100 : 0; // the table of places to seek
     number(8);                               // the quality
     const ByteView extension = bytes.subspan(position);
@@ -82,10 +79,7 @@ std::optional<StreamLength> vbriLength(ByteView bytes) {
     if (bigEndian32(bytes) != fourCC("VBRI")) {
         return std::nullopt;
     }
-    StreamLength length;
-    length.bytes = bigEndian32(bytes, 10);
-    length.frames = bigEndian32(bytes, 14);
-    return length;
+    return StreamLength{true, bigEndian32(bytes, 14), bigEndian32(bytes, 10), 0};
 }
 
 } // namespace

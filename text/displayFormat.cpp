@@ -73,12 +73,12 @@ struct SizeUnit {
 };
 
 constexpr std::int16_t sizeUnitTable = 1001;
-constexpr std::array<SizeUnit, 4> sizeUnits = {{
+constexpr auto sizeUnits = std::to_array<SizeUnit>({
     {std::uint64_t{1} << 10U, 0x1p-10, 46},
     {std::uint64_t{1} << 20U, 0x1p-20, 3},
     {std::uint64_t{1} << 30U, 0x1p-30, 31},
     {std::numeric_limits<std::uint64_t>::max(), 0x1p-40, 123},
-}};
+});
 
 } // namespace
 
