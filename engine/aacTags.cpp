@@ -39,7 +39,7 @@ struct TextItem {
     SvxStringRef audioTags::*field;
 };
 
-constexpr std::array<TextItem, 8> textItems = {{
+constexpr auto textItems = std::to_array<TextItem>({
     {copyrightCode("nam"), &audioTags::mp3SongTitleString},
     {copyrightCode("ART"), &audioTags::mp3ArtistString},
     {copyrightCode("alb"), &audioTags::mp3AlbumString},
@@ -48,7 +48,7 @@ constexpr std::array<TextItem, 8> textItems = {{
     {copyrightCode("too"), &audioTags::mp3EncoderAppString},
     {copyrightCode("lyr"), &audioTags::mp3LyricsString},
     {fourCC("desc"), &audioTags::mp3LyricsString},
-}};
+});
 
 /// One pass over the items of the list. An item holds a value atom, whose value begins 24 bytes in.
 class ItemWalk {
@@ -162,10 +162,7 @@ bool readMovieHeader(rcCacheRec* cache, std::uint64_t position, audioTags* recor
     }
     const std::uint32_t timeScale = bigEndian32(fields, 12);
     const std::uint32_t duration = bigEndian32(fields, 16);
-    if (timeScale == 0) {
-        return true;
-    }
-    record->mp3SongLen = static_cast<std::uint16_t>(duration / timeScale);
+    record->mp3SongLen = static_cast<std::uint16_t>(divide(duration, timeScale));
     if (record->mp3SongLen != 0) {
         record->mp3BitRate = estimateBitRate(timeScale, duration, cache->eof, position);
     }
@@ -182,7 +179,6 @@ void aacSwapAtom(aacAtomHeader* header) noexcept {
 
 std::int32_t findQTAtom(std::uint32_t type, std::uint64_t* position, std::uint32_t limit, rcCacheRec* cache,
                         aacAtomHeader* header) noexcept {
-    constexpr std::uint64_t farthest = std::uint64_t{1} << 32U;
     header->type = 0;
     for (;;) {
         std::int32_t result = readHeader(cache, *position, header);
@@ -199,8 +195,8 @@ std::int32_t findQTAtom(std::uint32_t type, std::uint64_t* position, std::uint32
                 return result;
             }
         }
-        // No step, or one that wraps around, would never come to an end.
-        if (step == 0 || step >= farthest || *position + step >= limit) {
+        // No step would never come to an end. By subtraction, so that none wraps around.
+        if (step == 0 || step >= limit - std::min<std::uint64_t>(limit, *position)) {
             return noSuchAtom;
         }
         *position += step;

@@ -21,7 +21,7 @@ struct aacAtomHeader {
 void aacSwapAtom(aacAtomHeader* header) noexcept;
 
 /// Looks through sibling atoms from `*position` on for one of that type, up to the first that begins at or
-/// behind `limit` (or at 4 GiB); the end of the parent does not stop it. 0 when found, with `*position` at
+/// behind `limit`; the end of the parent does not stop it. 0 when found, with `*position` at
 /// its start and its header in `*header`; -1 when there is none or a size leads nowhere; or an error of the
 /// cache.
 [[nodiscard]] std::int32_t findQTAtom(std::uint32_t type, std::uint64_t* position, std::uint32_t limit,

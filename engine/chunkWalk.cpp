@@ -12,9 +12,7 @@ bool ChunkWalk::readForm() noexcept {
 }
 
 bool ChunkWalk::standsBeforePadding() const noexcept {
-    std::uint8_t byte = 1;
-    return padding_ == ChunkPadding::byStandard && isBehindOddSize_ &&
-           rcReadFromCache(cache_, position_, 1, &byte) == fileNoErr && byte == 0;
+    return padding_ == ChunkPadding::byStandard && isBehindOddSize_ && rcByteInCache(cache_, position_) == 0;
 }
 
 bool ChunkWalk::next(Chunk* chunk) noexcept {

@@ -3,6 +3,7 @@
 #include "engine/fileEngine.h"
 #include "platform/host/fileDescriptor.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <limits>
 #include <sys/stat.h>
@@ -47,37 +48,32 @@ std::int32_t feReadFromFile(std::int32_t refNum, std::uint64_t position, std::ui
         return fileEofErr;
     }
     auto* out = static_cast<std::uint8_t*>(buffer);
-    while (count > 0) {
-        const ssize_t got =
-            uninterrupted([&] { return pread(refNum, out, count, static_cast<off_t>(position)); });
+    for (std::uint64_t done = 0; done < count;) {
+        const ssize_t got = uninterrupted(
+            [&] { return pread(refNum, out + done, count - done, static_cast<off_t>(position + done)); });
         if (got < 0) {
             return hostError();
         }
         if (got == 0) {
             std::uint64_t size = 0;
-            const bool hasMore = feGetEOF(refNum, &size) == fileNoErr && position < size;
+            const bool hasMore = feGetEOF(refNum, &size) == fileNoErr && position + done < size;
             return hasMore ? fileShortReadErr : fileEofErr;
         }
-        out += got;
-        position += static_cast<std::uint64_t>(got);
-        count -= static_cast<std::uint64_t>(got);
+        done += static_cast<std::uint64_t>(got);
     }
     return fileNoErr;
 }
 
 std::uint64_t feNextData(std::int32_t refNum, std::uint64_t position) noexcept {
-    if (position > farthest) {
-        return position;
-    }
     const off_t found = lseek(refNum, static_cast<off_t>(position), SEEK_DATA);
     if (found >= 0) {
         return static_cast<std::uint64_t>(found);
     }
-    return errno == ENXIO ? farthest : position; // ENXIO: nothing but a hole is left
+    return errno == ENXIO ? std::max(position, farthest) : position; // ENXIO: nothing but a hole is left
 }
 
 std::uint64_t feNextHole(std::int32_t refNum, std::uint64_t position) noexcept {
-    const off_t found = position > farthest ? -1 : lseek(refNum, static_cast<off_t>(position), SEEK_HOLE);
+    const off_t found = lseek(refNum, static_cast<off_t>(position), SEEK_HOLE);
     return found >= 0 ? static_cast<std::uint64_t>(found) : farthest;
 }
 

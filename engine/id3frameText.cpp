@@ -70,12 +70,8 @@ private:
         if (count_ == 0) {
             return nullptr;
         }
-        std::uint32_t length = count_ - 1;
-        std::uint8_t last = 1;
-        if (count_ > 2 && rcReadFromCache(cache_, offset_ + count_ - 2, 1, &last) == fileNoErr && last == 0) {
-            length = count_ - 2;
-        }
-        FileBytes bytes(cache_, offset_, length);
+        const bool isTerminated = count_ > 2 && rcByteInCache(cache_, offset_ + count_ - 2) == 0;
+        FileBytes bytes(cache_, offset_, count_ - (isTerminated ? 2 : 1));
         return SvxStringFromSource(SvxEncoding::ascii, bytes);
     }
 

@@ -95,7 +95,7 @@ private:
             position = behindBlanks(close + 1, end);
         }
         // A name that begins with a parenthesis has it twice.
-        const bool isEscaped = position + 1 < end && SvxStringGetUniChar(content_, position) == u'(' &&
+        const bool isEscaped = SvxStringGetUniChar(content_, position) == u'(' &&
                                SvxStringGetUniChar(content_, position + 1) == u'(';
         const SvxStringRef rest = part(position + (isEscaped ? 1 : 0), end);
         const Genre genre = position == start ? referredGenre(rest) : Genre();

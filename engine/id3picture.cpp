@@ -53,13 +53,13 @@ struct FormatRule {
 
 using namespace std::string_view_literals;
 
-constexpr std::array<FormatRule, 5> formatRules = {{
+constexpr auto formatRules = std::to_array<FormatRule>({
     {"image/jpg\0"sv, {typeJPEG, 12}},
     {"image/jpeg\0"sv, {typeJPEG, 13}},
     {"image/png\0"sv, {typePNG, 12}},
     {"image/bmp\0"sv, {typeBMP, 12}},
     {"JPG\0"sv, {typeJPEG, 5}},
-}};
+});
 
 std::optional<PictureStart> startByFormat(ByteView bytes) {
     for (const FormatRule& rule : formatRules) {
@@ -120,7 +120,7 @@ std::optional<FoundPicture> startByScan(rcCacheRec* cache, FilePlace range) {
             return FoundPicture(*start, bytes, position);
         }
         position += bytes.size() - (scannedSize - 1);
-        if (bytes.back() == 0) {
+        if (bytes.back() == 0) { // else a start may go on in a hole
             // The last bytes of a hole may belong to a start, two of which begin with zero bytes.
             const std::uint64_t data =
                 rcPastHole(cache, range.position + position + scannedSize) - scannedSize;

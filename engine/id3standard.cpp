@@ -24,14 +24,14 @@ constexpr std::uint32_t frameHeaderSize = 10; ///< since version 3
 
 /// A tag's header (ID3v2.4, section 3.1).
 struct TagHeader {
-    std::uint8_t version = 0; ///< the major one, 2 to 4
-    std::uint8_t flags = 0;
-    std::uint32_t size = 0; ///< of what follows the header, without a footer
+    std::uint8_t version; ///< the major one, 2 to 4
+    std::uint8_t flags;
+    std::uint32_t size; ///< of what follows the header, without a footer
 
     [[nodiscard]] bool isUnsynchronised() const { return (flags & 0x80U) != 0; }
     /// Version 2 has compression there, without saying how: such a tag is to be ignored.
     [[nodiscard]] bool isCompressed() const { return version == 2 && (flags & 0x40U) != 0; }
-    [[nodiscard]] bool hasExtendedHeader() const { return version != 2 && (flags & 0x40U) != 0; }
+    [[nodiscard]] bool hasExtendedHeader() const { return (flags & 0x40U) != 0; }
     [[nodiscard]] bool hasFooter() const { return version == 4 && (flags & 0x10U) != 0; }
     [[nodiscard]] bool isKnown() const { return version >= 2 && version <= 4 && !isCompressed(); }
     [[nodiscard]] const FrameLayout& layout() const { return version == 2 ? version2Layout : version3Layout; }
@@ -88,12 +88,12 @@ struct PictureSignature {
     std::uint32_t type;
 };
 using namespace std::string_view_literals;
-constexpr std::array<PictureSignature, 6> pictureSignatures = {{{"\xFF\xD8"sv, fourCC("JPEG")},
-                                                                {"\x89PNG"sv, fourCC("PNGf")},
-                                                                {"BM"sv, fourCC("BMPf")},
-                                                                {"GIF8"sv, fourCC("GIFf")},
-                                                                {"II*\0"sv, fourCC("TIFF")},
-                                                                {"MM\0*"sv, fourCC("TIFF")}}};
+constexpr auto pictureSignatures = std::to_array<PictureSignature>({{"\xFF\xD8"sv, fourCC("JPEG")},
+                                                                    {"\x89PNG"sv, fourCC("PNGf")},
+                                                                    {"BM"sv, fourCC("BMPf")},
+                                                                    {"GIF8"sv, fourCC("GIFf")},
+                                                                    {"II*\0"sv, fourCC("TIFF")},
+                                                                    {"MM\0*"sv, fourCC("TIFF")}});
 
 std::uint32_t pictureType(const FrameContent& picture) {
     const std::uint32_t known = std::min(picture.size(), 4U);

@@ -29,9 +29,7 @@ std::optional<MpegFrameHeader> findFirstFrame(rcCacheRec* cache, std::uint64_t* 
         if (bytes.size() - found >= mpegFrameHeaderSize) {
             return decodeMpegFrameHeader(bytes.subspan(found));
         }
-        if (bytes.back() == 0) {
-            *position = rcPastHole(cache, *position); // a sparse file's hole may be larger than any disk
-        }
+        *position = rcPastHole(cache, *position); // a sparse file's hole may be larger than any disk
     }
 }
 
@@ -78,9 +76,9 @@ void storeAverages(std::uint32_t frames, std::uint64_t bytes, audioTags* record)
 
 /// Reads the ID3v2 tag at the file's start, if there is one, and moves `*position` behind it. True when it
 /// gave text that makes the ID3v1 block superfluous.
-bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, ByteView start, audioTags* record,
+bool readLeadingTag(rcCacheRec* cache, std::uint64_t* position, std::uint32_t start, audioTags* record,
                     const ReadOptions& options) {
-    if (bigEndian24(start) != (fourCC("ID3 ") >> 8U)) {
+    if (start >> 8U != fourCC("ID3 ") >> 8U) {
         return false;
     }
     mp3ReadV2Tags(record, position, cache, options);
@@ -95,8 +93,8 @@ std::uint8_t mp3GetFileInfo(const SvxStringRef& path, audioTags* record,
                             const ReadOptions& options) noexcept {
     CachedFile file(path, options.progress);
     rcCacheRec* cache = file.cache();
-    std::array<std::uint8_t, 4> start{};
-    if (!file || rcReadFromCache(cache, 0, start.size(), start.data()) != fileNoErr) {
+    std::uint32_t start = 0;
+    if (!file || rcReadUInt32FromCache(cache, 0, rcByteOrderBig, &start) != fileNoErr) {
         return 0;
     }
     const std::uint64_t size = cache->eof;

@@ -13,10 +13,10 @@ namespace sonarin {
 
 namespace {
 
-/// By subtraction, so that nothing wraps near 2^64.
+/// By subtraction, so that nothing is missed near 2^64: a position before the buffer wraps to far behind it.
 bool holds(const rcCacheRec& cache, std::uint64_t position, std::uint64_t count) {
-    return position >= cache.bufferPos && position - cache.bufferPos <= cache.validLength &&
-           count <= cache.validLength - (position - cache.bufferPos);
+    const std::uint64_t offset = position - cache.bufferPos;
+    return offset <= cache.validLength && count <= cache.validLength - offset;
 }
 
 /// How much the next filling asks for. Reading goes on where it skips no more than was read at once; and a
@@ -26,9 +26,9 @@ std::uint32_t nextFillSize(const rcCacheRec& cache, std::uint64_t position) {
     constexpr std::uint64_t growth = 4;
     const std::uint64_t reach = std::uint64_t{cache.validLength} + cache.fillSize;
     std::uint64_t next = 0;
-    if (position >= cache.bufferPos && position - cache.bufferPos <= reach) {
+    if (position - cache.bufferPos <= reach) {
         next = growth * cache.fillSize;
-    } else if (position < cache.bufferPos && cache.bufferPos - position <= cache.fillSize) {
+    } else if (cache.bufferPos - position <= cache.fillSize) {
         next = cache.fillSize;
     }
     return static_cast<std::uint32_t>(
@@ -162,6 +162,11 @@ std::int32_t rcReadPastCache(rcCacheRec* cache, std::uint64_t position, std::uin
 
 std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept {
     return refill(cache, position, 0);
+}
+
+std::optional<std::uint8_t> rcByteInCache(rcCacheRec* cache, std::uint64_t position) noexcept {
+    const ByteView bytes = rcBytesInCache(cache, position, 1);
+    return bytes.empty() ? std::nullopt : std::optional(bytes.front());
 }
 
 ByteView rcBytesInCache(rcCacheRec* cache, std::uint64_t position, std::uint32_t count) noexcept {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 /// One buffer over one open file: the many small reads of a parser become one or two reads of the file.
 ///
@@ -64,6 +65,9 @@ void rcOpenMemory(rcCacheRec* cache, ByteBlock bytes) noexcept;
 /// where that lies in or not far behind what it holds; with as much where it lies a little before; else with
 /// 4 KiB.
 [[nodiscard]] std::int32_t rcReadIntoCache(rcCacheRec* cache, std::uint64_t position) noexcept;
+
+/// The byte at `position`; nothing when it cannot be had.
+[[nodiscard]] std::optional<std::uint8_t> rcByteInCache(rcCacheRec* cache, std::uint64_t position) noexcept;
 
 /// The bytes at `position` as they lie in the buffer: at least `count` of them (refilled as above on a miss),
 /// and all that the buffer holds behind them. Empty when they cannot be had or `count` exceeds the buffer.

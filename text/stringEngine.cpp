@@ -361,11 +361,12 @@ bool SvxStringIsEqual(const SvxStringRef& a, const SvxStringRef& b) noexcept {
 
 SvxIndex SvxStringPosition(const SvxStringRef& text, const SvxStringRef& needle, std::uint32_t start,
                            bool caseSensitive) noexcept {
-    if (!text || !needle || text->length() <= static_cast<SvxIndex>(start)) {
+    if (!text || !needle) {
         return -1;
     }
     try {
-        return findText(*text, *needle, start, caseSensitive).value_or(-1);
+        const SvxIndex from = std::min<SvxIndex>(start, text->length());
+        return findText(*text, *needle, from, caseSensitive).value_or(-1);
     } catch (const std::exception&) {
         return -1;
     }

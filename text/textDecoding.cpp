@@ -145,21 +145,25 @@ struct Utf16 {
     }
 
     static bool measure(std::string_view piece, Extent& extent) {
+        unsigned all = 0;
+        forEachUnit(piece, [&all](unsigned unit) { all |= unit; });
         extent.units += piece.size() / 2;
-        unsigned highBytes = 0;
-        for (std::size_t i = highByte; i < piece.size(); i += 2) {
-            highBytes |= unitOf(piece[i]);
-        }
-        extent.wide = extent.wide || highBytes != 0;
+        extent.wide = extent.wide || all > 0xFF;
         return true;
     }
 
     template <class Unit>
     static Unit* write(std::string_view piece, Unit* out) {
-        for (std::size_t i = 0; i + 1 < piece.size(); i += 2) {
-            *out++ = static_cast<Unit>(unitOf(piece[i + 1 - highByte]) | (unitOf(piece[i + highByte]) << 8U));
-        }
+        forEachUnit(piece, [&out](unsigned unit) { *out++ = static_cast<Unit>(unit); });
         return out;
+    }
+
+private:
+    template <class OnUnit>
+    static void forEachUnit(std::string_view piece, OnUnit onUnit) {
+        for (std::size_t i = 0; i + 1 < piece.size(); i += 2) {
+            onUnit(unitOf(piece[i + 1 - highByte]) | (unsigned{unitOf(piece[i + highByte])} << 8U));
+        }
     }
 };
 using Utf16LittleEndian = Utf16<1>;

@@ -36,9 +36,16 @@ bool startsCharacter(CodePoint character) {
 // U+FB06): where one of them could match the needle, the general road is taken.
 
 /// Whether two letters are what one such character folds to, or its beginning.
-constexpr bool isFoldedPair(char first, char second) {
+bool isFoldedPair(char first, char second) {
     return (first == 's' && (second == 's' || second == 't')) ||
            (first == 'f' && (second == 'f' || second == 'i' || second == 'l'));
+}
+
+/// Whether such characters may be in it. A narrow text can hold the sharp s only.
+bool mayHoldFoldingOnes(const SvxString& text) {
+    return text.isWide() || text.visit([](auto stored) {
+        return std::any_of(stored.begin(), stored.end(), [](auto unit) { return unitOf(unit) == 0xDF; });
+    });
 }
 
 /// A needle that can be compared unit by unit.
@@ -47,30 +54,22 @@ struct PlainNeedle {
     bool hasFoldedPair = false; ///< whether one character of a text could match two of its units
 
     [[nodiscard]] bool servesFor(const SvxString& text) const {
-        if (units.empty() || !hasFoldedPair) {
-            return !units.empty();
-        }
-        // Of those characters a narrow text can hold the sharp s only.
-        return !text.isWide() && text.visit([](auto stored) {
-            return std::all_of(stored.begin(), stored.end(), [](auto unit) { return unitOf(unit) != 0xDF; });
-        });
+        return !units.empty() && !(hasFoldedPair && mayHoldFoldingOnes(text));
     }
 };
 
 PlainNeedle plainNeedle(const SvxString& needle, bool caseSensitive) {
     return needle.visit([caseSensitive](auto units) {
-        PlainNeedle plain{std::string(units.size(), '\0')};
-        char last = '\0';
-        for (std::size_t i = 0; i < units.size(); ++i) {
-            const char16_t unit = unitOf(units[i]);
+        std::string folded;
+        for (const auto stored : units) {
+            const char16_t unit = unitOf(stored);
             if (unit >= 0x80) {
                 return PlainNeedle();
             }
-            const char next = static_cast<char>(asciiCounterpart(unit, caseSensitive));
-            plain.hasFoldedPair = plain.hasFoldedPair || (!caseSensitive && isFoldedPair(last, next));
-            plain.units[i] = last = next;
+            folded += static_cast<char>(asciiCounterpart(unit, caseSensitive));
         }
-        return plain;
+        const bool hasPair = std::ranges::adjacent_find(folded, isFoldedPair) != folded.end();
+        return PlainNeedle{std::move(folded), !caseSensitive && hasPair};
     });
 }
 
@@ -93,11 +92,12 @@ char16_t counterpart(char16_t stored, bool caseSensitive) {
 
 template <class Units>
 bool matchesAt(Units units, std::size_t at, std::string_view needle, bool caseSensitive) {
-    if (units.size() - at < needle.size()) {
+    const auto part = units.substr(at, needle.size());
+    if (part.size() < needle.size()) {
         return false;
     }
     for (std::size_t i = needle.size(); i-- > 0;) {
-        if (counterpart(units[at + i], caseSensitive) != unitOf(needle[i])) {
+        if (counterpart(part[i], caseSensitive) != unitOf(needle[i])) {
             return false;
         }
     }
