@@ -109,7 +109,7 @@ TEST(Aiff, ReadsTagsOnBothSidesAndFailsOnWhatItCannotReadToTheEnd) {
                   iffForm("AIFX", common), "FORM"}}});
 }
 
-TEST(Aiff, FillsWhatIsGiven) {
+TEST(ChunkFormats, FillWhatIsGiven) {
     const TestFolder folder;
     const std::string content = iffForm("AIFF", tagChunk + commonChunk(1, 7, 24, rate44100));
     const SvxStringRef path = text(folder.write("x", content));
@@ -120,6 +120,9 @@ TEST(Aiff, FillsWhatIsGiven) {
     EXPECT_EQ(info.sampleSize, 24U);
     EXPECT_FALSE(miGetWAVInfo(path, &info));
     EXPECT_EQ(info.sampleSize, 0U);
+    const std::string wave = formatChunk({0x11}) + riffChunk("fact", littleEndian(1));
+    EXPECT_TRUE(miGetWAVInfo(text(folder.write("y", riffForm(wave, 0))), &info));
+    EXPECT_EQ(info.sampleSize, 16U);
     EXPECT_TRUE(miGetAIFFInfo(path, nullptr, &record));
     EXPECT_EQ(factsOf(record), " tag=3 title=Title");
 }

@@ -30,6 +30,12 @@ TEST(Classification, GoesByNameWithoutCodes) {
                 "song.aiff -> AIFF", "a.wav -> WAVE", "a.WAVE -> WAVE", "song.mp3  -> none", "mp3 -> none",
                 "song.aifc -> none", "a.mp3.txt -> none", " -> none"});
     EXPECT_EQ(amdAudioFileType(SvxStringGetEmpty()), amdTypeNone);
+    EXPECT_EQ(mp3PossibleFile(text("a.mp3"), 0, 0), 1U);
+    for (const std::uint32_t type : {0U, fourCC("M4A ")}) {
+        bool isM4P = true;
+        EXPECT_TRUE(aacPossibleFile(text("a.m4a"), type, 0, &isM4P));
+        EXPECT_FALSE(isM4P);
+    }
 }
 
 TEST(Classification, LooksAtTypeAndCreator) {
@@ -56,12 +62,15 @@ TEST(TypeCodes, ComeFromWhereverTheDiskKeepsThem) {
         folder.write("._old song", broken);
         (void)hostTypeCodes(path); // any bytes: an answer, no fault
     }
+    folder.write("._old song", appleDouble("MPG3abcd").replace(24, 2, "\0\1"s)); // says that it ends before
+    EXPECT_EQ(hostTypeCodes(path).type, 0U);
     folder.write("._old song", appleDouble("MPG3abcd"));
     EXPECT_EQ(hostTypeCodes(path).creator, fourCC("abcd"));
-    // An empty Finder info says nothing.
+    // A Finder info without any code says nothing.
     for (const auto& [info, expected] :
          std::vector<std::pair<std::string, std::uint32_t>>{{padded("WAVEmine", 32), fourCC("WAVE")},
                                                             {padded("AIFFmine", 33), fourCC("AIFF")},
+                                                            {padded("\0\0\0\0mine"s, 32), 0},
                                                             {std::string(32, '\0'), fourCC("MPG3")}}) {
         if (setxattr(path.c_str(), "user.com.apple.FinderInfo", info.data(), info.size(), 0) != 0) {
             GTEST_SKIP() << "no extended attributes in the temporary folder";

@@ -65,6 +65,8 @@ TEST_F(Connectors, KnowWhatAProgramLacks) {
     EXPECT_EQ(find("thunar")->missing, std::vector<std::string>{"gir1.2-thunarx-3.0"});
     put("root/usr/lib/some-arch/girepository-1.0/Thunarx-3.0.typelib");
     EXPECT_EQ(find("thunar")->state, State::available);
+    install("pcmanfm-qt");
+    EXPECT_TRUE(find("pcmanfm-qt")->isMenuOnly && !find("thunar")->isMenuOnly);
     install("nautilus");
     put("root/usr/lib/some-arch/nautilus/extensions-4/libnautilus-python.so");
     EXPECT_EQ(find("nautilus")->missing, std::vector<std::string>{"gir1.2-gtk-4.0"});

@@ -140,6 +140,13 @@ TEST(Cache, ReadsIntegersInBothOrders) {
     }
 }
 
+TEST(Cache, ThatWasNeverOpenedClosesNothing) {
+    rcCacheRec cache;
+    const int standardInput = fcntl(0, F_GETFD);
+    EXPECT_EQ(rcCloseCacheAndFile(&cache), 0);
+    EXPECT_EQ(fcntl(0, F_GETFD), standardInput);
+}
+
 TEST(Cache, HoldsACharacterUnlessTheFileIsShorter) {
     for (const auto& [fileSize, asked, given] :
          {std::tuple(1U, 65536U, 1U), {3U, 1U, 3U}, {1000U, 1U, 4U}, {1000U, 3U, 4U}, {1000U, 5U, 5U}}) {
@@ -171,11 +178,17 @@ TEST(Files, AreOpenedForWritingWhenAskedAndNeverAsNumberZero) {
     for (const auto& [writeAccess, mode] : {std::pair(0, O_RDONLY), {1, O_RDWR}, {2, O_RDONLY}}) {
         const std::int32_t refNum = feOpenExistingDataFile(path, writeAccess);
         EXPECT_GT(refNum, 0);
+        EXPECT_EQ(fcntl(0, F_GETFD), -1);
         EXPECT_EQ(fcntl(refNum, F_GETFL) & O_ACCMODE, mode) << writeAccess;
         feCloseFile(refNum);
     }
     dup2(standardInput, 0);
     close(standardInput);
+}
+
+TEST(Files, AreClosedWithTheirOwner) {
+    const int number = openRegularFile("/proc/self/exe").get();
+    EXPECT_EQ(openRegularFile("/proc/self/exe").get(), number);
 }
 
 TEST(Files, AreAskedAgainWhenASignalInterrupts) {
@@ -278,6 +291,18 @@ TEST(Rename, ReplacesNothingWhereTheDiskCannotTell) {
     }
     EXPECT_EQ(fs::file_size(folder.path("new")), 7U);
     EXPECT_TRUE(fs::is_empty(folder.path("b")));
+    // A link to the folder shows an item under a second path, as a disk that folds letter case does.
+    fs::create_directory_symlink(folder.path(""), folder.path("link"));
+    fs::create_hard_link(folder.path("new"), folder.path("b/hard"));
+    for (const auto& [from, to, error] : {std::tuple("taken", "link/taken", 0),
+                                          {"c", "link/c", 0},
+                                          {"new", "link/taken", EEXIST},
+                                          {"new", "b/hard", EEXIST},
+                                          {"taken", "c", EEXIST}}) {
+        EXPECT_EQ(renameItem(folder.path(from), folder.path(to), true), error) << from << to;
+        EXPECT_EQ(renameItem(folder.path(from), folder.path(to), false), EEXIST) << from << to;
+        EXPECT_TRUE(fs::exists(folder.path(from)));
+    }
 }
 
 /// Several programs want the same name at the same moment: one gets it, and no file is lost.

@@ -73,6 +73,13 @@ TEST(ID3v2, WalksFramesAsTheirSizesSay) {
                 {"138 tag=3", {"ID3\3\0\0\0\0\0\x80"s}}, // the top bits of the size bytes count
                 {"20 tag=3", {id3Tag(sevenBits(10) + std::string(6, '\0'), 0, 3, 0x40)}},
                 {"0", {"ID3"}}});
+    // Twelve bytes of an extended header are asked for.
+    for (const auto& [bytes, expected] : {std::pair(std::size_t{12}, fileNoErr), {11, fileEofErr}}) {
+        OpenBytes file(id3Tag(sevenBits(bytes), bytes - 4, 3, 0x40));
+        audioTags record;
+        std::uint64_t position = 0;
+        EXPECT_EQ(mp3ReadV2Tags(&record, &position, &file.cache), expected);
+    }
 }
 
 TEST(ID3v2, ResolvesGenreReferences) {
@@ -115,15 +122,19 @@ TEST(ID3v1, FillsAndOverwritesTheRecord) {
     before.mp3ComposerString = text("v2 composer");
     before.mp3TrackAmount = 9;
     // An artist that is all blanks changes nothing, and the year ends before the comment's digit.
-    EXPECT_EQ(facts("xx" + block("T\x8Atel", "9 comment that is cut at 28 \0\xC8"s, 17), std::move(before)),
+    EXPECT_EQ(facts("xx" + block("T\x8Atel", "9 comment that is cut at 28!\0\xC8"s, 17), std::move(before)),
               " tag=1 code=17 year=1999 track=200 of=9 title=Tätel artist=v2 artist album=Album "
-              "composer=v2 composer comment=9 comment that is cut at 28 genre=Rock");
-    const std::string comment(30, 'c');
+              "composer=v2 composer comment=9 comment that is cut at 28! genre=Rock");
+    const auto full = [](char letter) { return std::string(30, letter); };
+    const std::string comment = full('c');
     expectEach(
         [&](const std::string& content) { return facts(content); },
         {{" tag=1 code=-1 year=1999 title= album=Album comment=" + comment, {block("", comment, '\xFF')}},
          {" tag=1 code=126 year=1999 title= album=Album", {block("", "", 126)}},
          {" tag=1 year=1999 title=a\0b album=Album genre=Blues"s, {block("a\0b  "s, "", 0)}},
+         {" tag=1 year=1234 title=" + full('T') + " artist=" + full('A') + " album=" + full('L') +
+              " comment=" + full('C') + " genre=Blues",
+          {"TAG" + full('T') + full('A') + full('L') + "1234" + full('C') + '\0'}},
          {"", {"tag" + std::string(125, ' '), block("T", "", 0).substr(1)}}});
 }
 
@@ -143,10 +154,11 @@ TEST(FrameText, IsRecognisedByItsBytes) {
         EXPECT_EQ(decode(content, "", "X", 1), decode(content));
         return decode(content);
     };
-    expectRows(decoded, {"Hello -> Hello", "Hello\0 -> Hello"s, "Hello\0\0 -> Hello\0"s, " -> ", "\0 -> \0"s,
-                         "english -> lis", "eng -> eng", "engl -> engl", "eng\0Nice\0 -> Nice"s,
-                         "eng\0Caf\xE9\0 -> CafÈ"s, "eng\0Caf\xC3\xA9\0 -> Café"s, "iTunSMP -> iTunSMP",
-                         "engdesc\0text\0 -> desc\0text"s, "esp\0Hola\0 -> esp\0Hola"s});
+    expectRows(decoded,
+               {"Hello -> Hello", "Hello\0 -> Hello"s, "Hello\0\0 -> Hello\0"s, " -> ", "\0 -> \0"s,
+                "english -> lis", "eng -> eng", "eng\0 -> eng"s, "eng\0a -> "s, "engl -> engl",
+                "eng\0Nice\0 -> Nice"s, "eng\0Caf\xE9\0 -> CafÈ"s, "eng\0Caf\xC3\xA9\0 -> Café"s,
+                "iTunSMP -> iTunSMP", "engdesc\0text\0 -> desc\0text"s, "esp\0Hola\0 -> esp\0Hola"s});
     // A last byte is taken for a terminator; one of zero is dropped from three bytes on.
     expectRows(decoded, {"eng\0Nice -> Nic"s, "a\0 -> a"s});
     expectRows(decoded, {"Caf\xE9 -> (absent)", "Caf\xC3\xA9 -> (absent)", "\xFE\xFF\0H\0i -> (absent)"s,
@@ -154,7 +166,8 @@ TEST(FrameText, IsRecognisedByItsBytes) {
     expectEach(decoded,
                {{"Hi", {mark + utf16("Hi")}},
                 {"Hi\0"s, {mark + utf16("Hi") + "\0\0"s}},
-                {"", {mark, "eng" + marks + "xx"}}, // twelve bytes are enough
+                {"Hi塸", {mark + utf16("Hi") + "x"}}, // the second byte is the X behind it
+                {"", {mark, "eng" + marks + "xx"}},   // twelve bytes are enough
                 {"(absent)",
                  {"eng" + marks, "123456789" + mark + utf16("ab")}}, // too short for the rule; a mark at 9
                 {"ab", {"12345678" + mark + utf16("ab")}},           // one at 8 is still found
@@ -199,7 +212,7 @@ TEST(FramePicture, StartsWhereItsFormatSays) {
     const std::string pngs = "\x89PNG" + rest;
     // In a range that goes one byte beyond the frame; found alike in another size of the buffer.
     const auto read = [](const std::string& content) {
-        const std::string bytes = "?" + content + "N";
+        const std::string bytes = "?" + content + "N\x89PNG";
         const auto count = static_cast<std::uint32_t>(content.size() + 1);
         OpenBytes file(bytes);
         OpenBytes sameFile(bytes, 1);
@@ -228,6 +241,16 @@ TEST(FramePicture, StartsWhereItsFormatSays) {
                        {std::string(4094, 'x') + "\x89PNG" + std::string(70000, 'r')}},
                       {"-2", {"JPG\3\0"s + jpegs, "image/JPEG\0\3\0"s + jpegs, rest + "\x89PN"}},
                       {"-1", {std::string(98, 'x')}}});
+}
+
+TEST(FramePicture, MayGoOnInAHole) {
+    const TestFolder folder;
+    const std::string path = folder.write("x", std::string(4093, 'x') + "JPG");
+    std::filesystem::resize_file(path, 1000000);
+    CachedFile file(text(path));
+    audioTags record;
+    EXPECT_EQ(mp3ReadCoverArt(&record, 0, 1000000, file.cache(), Pictures::find), 0);
+    EXPECT_EQ(record.mp3CoverArtPlace.position, 4095U);
 }
 
 TEST(FramePicture, IsNoneWhenTheFileChangesMeanwhile) {

@@ -42,6 +42,7 @@ TEST(Mpeg4, EstimatesDurationAndBitRate) {
     EXPECT_EQ(estimate(44100, 13230000, fourGiB - 1), " seconds=300"); // negative in 32 bits
     EXPECT_EQ(estimate(44100, 13230000, fourGiB + 5000000), " seconds=300 kbit=136");
     EXPECT_EQ(estimate(600, 600 * 8, 4096 + 32 + 8 * 1024), " seconds=8 kbit=8");
+    EXPECT_EQ(estimate(600, 600 * 8, 4096 + 32 + 8 * 1024 + 1023), " seconds=8 kbit=8");
     EXPECT_EQ(estimate(600, 600 * 8, 4096 + 32 + 8 * 1024 + 1024), " seconds=8 kbit=16");
 }
 
@@ -99,6 +100,9 @@ TEST(Mpeg4, FindsTheMovieWhereverItIsOrFails) {
                 {" seconds=5 title=far", {headed(atom("moov", "") + header + list)}},
                 // What was found stays.
                 {" result=-1 seconds=5 kbit=8", {headed(atom("moov", header) + std::string(8192, '\0'))}},
+                {" result=-1 seconds=5",
+                 {headed(atom("moov", header + atom("udta", atom("meta", "")))),
+                  headed(withoutLast(atom("moov", header), 76))}},
                 {" result=-1",
                  {"", "\0\0\0\x10"s, atom("wide", "") + headed(movieAtom("")),
                   "\0\0\0\0ftyp"s + movieAtom(""), headed("\0\0\0\1mdat"s + std::string(100, '\0')),

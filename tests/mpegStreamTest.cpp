@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "engine/mpegFile.h"
 #include "engine/mpegFrame.h"
 #include "tests/support/readBytes.h"
 
@@ -43,7 +44,7 @@ TEST(MpegStream, DecodesHeaders) {
          std::vector<std::tuple<std::uint32_t, std::string, Numbers, Numbers>>{
              {0xFFFB0000, " version=3 layer=1 crc=1", layer3, {44100, 48000, 32000}},
              {0xFFFC00C0, " mode=3 version=3 layer=2", layer2, {44100, 48000, 32000}},
-             {0xFFF20040, " mode=1 version=2 layer=1", low, {22050, 24000, 16000}},
+             {0xFFF20340, " mode=1 version=2 layer=1", low, {22050, 24000, 16000}},
              {0xFFF50080, " mode=2 version=2 layer=2 crc=1", low, {22050, 24000, 16000}},
              {0xFFE300C0, " mode=3 layer=1 crc=1", low, {11025, 12000, 8000}},
              {0xFFE400FF, " mode=3 layer=2", low, {11025, 12000, 8000}}}) {
@@ -85,6 +86,16 @@ TEST(MpegStream, KeepsTagsAndReadsID3v1OnlyWithoutID3v2Text) {
                            {" result=-1", {"", "\xFF\xFB\x90"}},
                            {" result=-1 tag=3", {"ID3\3\0\0\x7F\x7F\x7F\x7Fx"s}},
                            {facts, {"\xFF\xFB\x90\0"s}}});
+}
+
+TEST(MpegStream, StoresWhetherItsRateVaries) {
+    const TestFolder folder;
+    for (const auto& [content, varies] : {std::pair(withXing(30), 1), {mpegAudio(100), 0}}) {
+        audioTags record;
+        record.mp3HasVBR = 9;
+        EXPECT_EQ(mp3GetFileInfo(text(folder.write("x", content)), &record), 1);
+        EXPECT_EQ(record.mp3HasVBR, varies);
+    }
 }
 
 /// The quick search looks at blocks, and at more than two bytes only where these may begin a header.

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "app/coverFile.h"
 #include "app/findMenu.h"
 #include "app/panelTexts.h"
 #include "app/renameMenu.h"
 #include "app/renameOutcome.h"
 #include "app/textOutput.h"
 #include "cli/jsonOutput.h"
-#include "engine/fileEngine.h"
-#include "tests/support/testFolder.h"
-#include "text/stringEngine.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/readBytes.h"
 
 #include <cerrno>
 #include <regex>
@@ -87,6 +84,23 @@ TEST(Panel, SaysEachFact) {
         }
         EXPECT_EQ(facts, expected);
     }
+    std::string captions; // and what has none
+    for (const PanelFact& fact : panelFacts()) {
+        captions.append(fact.label).append(fact.hasCaption ? ":" : "=");
+    }
+    EXPECT_EQ(captions,
+              "Title=Artist=Album=Duration:Bit rate:Channels:Tag:Cover:Track:Year:Genre:Composer:Encoder:"
+              "Comment:");
+}
+
+TEST(Panel, KnowsPicturesByTheirBytes) {
+    using sample::bytes;
+    const auto extension = [](const std::string& picture) {
+        return std::string(pictureExtension(viewOf(picture)));
+    };
+    expectRows(extension, {"\xFF\xD8\xFF -> jpg", "\x89PNG\r\n\x1A\n -> png", "GIF89a -> gif", "BM -> bmp",
+                           "RIFFsizeWEBP -> webp", "RIFFsizeWAVE -> bin", bytes("II*\0 -> tiff"),
+                           bytes("MM\0* -> tiff"), "sizeftypavif -> avif", "B -> bin", " -> bin"});
 }
 
 TEST(Panel, StandsInText) {
@@ -100,6 +114,8 @@ TEST(Panel, StandsInText) {
         "Tag       ID3v4\nCover     JPEG, 5000 bytes\nLyrics    la\n");
     record.mp3CoverArtType = 0;
     EXPECT_NE(asText(&record).find("Cover     5000 bytes\n"), std::string::npos);
+    record.mp3CoverArtPlace = {};
+    EXPECT_EQ(asText(&record).find("Cover"), std::string::npos);
     EXPECT_EQ(asText(nullptr, true), "\x1b[36mName\x1b[0m      b.mp3\n\x1b[36mSize\x1b[0m      2.0 KB\n");
 }
 
@@ -188,6 +204,9 @@ TEST(Panel, OffersNamesAndSearches) {
     }
     EXPECT_EQ(plain(findEntryTitle(FindKey::year, fullRecord())), "Find all songs of 1999 in Shelvix");
     EXPECT_TRUE(findKeys({}).empty());
+    EXPECT_EQ(plain(findUrl(FindKey::year, fullRecord())), "shelvix://find/audio/&year=1999");
+    EXPECT_EQ(plain(findUrl(FindKey::album, fullRecord())),
+              "shelvix://find/audio/&album=AC%2FDC%20%26%20%22Co%22");
 }
 
 TEST(Panel, SaysWhyAFileWasNotRenamed) {

@@ -21,7 +21,10 @@ const std::string mark = "\xFF\xFE";
 const std::string title = textFrame("TIT2", "Title");
 
 std::string titleOf(const std::string& tag) {
-    return plain(readTag(tag, byStandard).first.mp3SongTitleString);
+    const std::string found = plain(readTag(tag, byStandard).first.mp3SongTitleString);
+    // And at the end of a file.
+    EXPECT_EQ(plain(readTag(tag, byStandard, "").first.mp3SongTitleString), found);
+    return found;
 }
 
 ReadResult readByStandard(const std::string& name, const std::string& content, std::uint64_t sizeOnDisk = 0) {
@@ -89,6 +92,7 @@ TEST(ByStandard, ChoosesRemarksYearsAndPictures) {
          {" tag=3", {itunes + empty + frame("COMM", "\0eng"s), frame("APIC", "\0image/png\0\3never ended"s)}},
          {" tag=3 lyrics=all", {frame("USLT", "\0engx\0chorus"s) + frame("USLT", "\0eng\0all\0no"s)}},
          {" tag=3 year=2004", {old + recorded, recorded + old + recordedAt("2010")}},
+         {" tag=3 year=9999", {recordedAt("9999")}},
          {" tag=3 year=1999",
           {old + recordedAt("x"), old + recordedAt("-2004"), old + recordedAt("20040506")}},
          {" tag=3 track=3 of=12", {frame("TRCK", "\0003/12\0009"s)}},
@@ -109,10 +113,12 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
     const std::string plainSize = id3Frame("TXXX", longText);
     std::vector<std::string> tags = {
         id3Tag(frame("TXXX", longText) + title, 16, 4), id3Tag(plainSize + title, 0, 4),
-        id3Tag(plainSize + title, 600, 4), id3Tag(title + id3Frame("TXXX", std::string(128, 'x')), 0, 4),
+        id3Tag(plainSize + title, 600, 4), id3Tag(id3Frame("TXXX", std::string(128, 'x')) + title, 0, 4),
+        id3Tag(title + id3Frame("TXXX", std::string(128, 'x')), 0, 4),
         // Ids of version 2 among them.
         id3Tag(plainSize + id3Frame("TS2 ", "x") + title, 60, 4),
-        id3Tag(plainSize + id3Frame("TCP\0"s, "x") + title, 60, 4),
+        id3Tag(plainSize + id3Frame("TCP\0"s, "x") + id3Frame("TXX0", "x") + id3Frame("TXX9", "x") + title,
+               60, 4),
         // Plain ones, where a frame holds what might be the next one's start, or padding.
         id3Tag(id3Frame("APIC", padded(zeros, 0x1340, 'x')) + title, 90, 4),
         id3Tag(id3Frame("TPE1", "\0"s + repeated(79, "LOUD") + "LOU") + title, 90, 4),
@@ -122,6 +128,7 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
                60, 4),
         // Extended headers; one that does not fit is none.
         id3Tag(bigEndian(6) + std::string(6, '\0') + title, 9, 3, 0x40),
+        id3Tag(bigEndian(10) + "\x80\0\0\0\0\x09 CRC"s + title, 9, 3, 0x40),
         id3Tag(bigEndian(6) + "\1\0"s + title, 9, 4, 0x40), id3Tag(title, 9, 3, 0x40),
         // Grouped and encrypted frames.
         id3Tag(frame("TIT2", "\0no"s, 0x40) + title, 9, 3),
@@ -145,8 +152,8 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
                 {"26 tag=3 title=Title", {id3Tag(title, 0, 3, 0x10)}},
                 {"26", {id3Tag(title, 0, 1), id3Tag(title, 0, 5)}},
                 {"0",
-                 {"ID3", "ID3\3\xFF\0\0\0\0\0"s, "ID3\3\0\0\0\0\x80\0"s, "ID3\3\0\0\0\0\0\x80"s,
-                  id3Tag(title).replace(0, 3, "3DI")}}});
+                 {"ID3", "ID3\3\xFF\0\0\0\0\0"s, "ID3\xFF\0\0\0\0\0\0"s, "ID3\3\0\0\0\0\x80\0"s,
+                  "ID3\3\0\0\0\0\0\x80"s, id3Tag(title).replace(0, 3, "3DI")}}});
 }
 
 TEST(ByStandard, UndoesWhatWasDoneForStoring) {
@@ -190,11 +197,11 @@ TEST(ByStandard, UndoesWhatWasDoneForStoring) {
     std::size_t budget = 12000;
     std::string sizesAndBudgets;
     for (const auto& [bytes, said] : std::vector<std::pair<std::string, std::size_t>>{
-             {stored.substr(2), 5001}, {stored, 4000}, {stored, 6000}, {stored, 5001}}) {
+             {stored.substr(2), 5001}, {stored, 4000}, {stored, 6000}, {stored, 5001}, {stored, 2999}}) {
         sizesAndBudgets += std::to_string(id3Inflate(viewOf(bytes), said, &budget).size()) + ":";
         sizesAndBudgets += std::to_string(budget) + " ";
     }
-    EXPECT_EQ(sizesAndBudgets, "0:12000 0:8000 5001:2999 0:2999 ");
+    EXPECT_EQ(sizesAndBudgets, "0:12000 0:8000 5001:2999 0:2999 0:0 ");
 }
 
 TEST(ByStandard, NamesGenresInAllSyntaxes) {
@@ -210,7 +217,8 @@ TEST(ByStandard, NamesGenresInAllSyntaxes) {
     EXPECT_EQ(genre(repeated(101, "(17)")), repeated(99, "Rock / ") + "Rock");
     expectRows(genre, {"17 -> Rock", "(17) -> Rock", "(17)Rock -> Rock", " 17  -> Rock", "(17) rock  -> Rock",
                        "(0) -> Blues", "((17) -> (17)", "192 -> 192", "(192)x -> (192)x", "(17 -> (17",
-                       "() -> ()", "0017 -> 0017", "Rock/Pop -> Rock/Pop", "\0\0 -> (absent)"s});
+                       "(17\0x) -> (17 / x)"s, "() -> ()", "0017 -> 0017", "Rock/Pop -> Rock/Pop",
+                       "\0\0 -> (absent)"s});
     expectRows(genre, {"(4)Eurodisco -> Disco / Eurodisco", "(51)(39)x -> Techno-Industrial / Noise / x",
                        "(17) Rocks -> Rock / Rocks", "(RX)(CR) -> Remix / Cover",
                        "(131)((I think -> Indie / (I think", "191\0Own\0CR\0 -> Psybient / Own / Cover"s});
@@ -241,6 +249,8 @@ TEST(ByStandard, FindsTagsInChunks) {
                   " seconds=10 rate=44100 tag=4 title=Té");
     }
     EXPECT_EQ(wave(odd + '\0' + format), " rate=44100");
+    const std::string cut = id3Tag(title + "\xFF\0"s, 0, 3, '\x80').replace(9, 1, "\x7F");
+    EXPECT_EQ(wave(format + "ID3 " + littleEndian(999) + cut), " rate=44100 tag=3 title=Title");
     EXPECT_EQ(factsOf(readFileAs("x.wav", riffForm(format + riffChunk("id3 ", tag), 99))), " rate=44100");
 }
 
@@ -255,8 +265,12 @@ TEST(ByStandard, TakesFromATagAtTheEndWhatIsMissing) {
                                    textFrame("TYER", "2000") + textFrame("TCON", "x"));
     const std::string facts = " kbit=128 rate=44100 version=3 layer=1 crc=1";
     const std::string known = " artist=Artist comment=Comment genre=";
+    const auto full = [](char letter) { return std::string(30, letter); };
     expectEach([](const std::string& content) { return factsOf(readByStandard("x.mp3", content)); },
-               {{facts + " tag=4 title=Title",
+               {{facts + " tag=1 year=1234 title=" + full('T') + " artist=" + full('A') +
+                     " album=" + full('L') + " comment=" + full('5') + " genre=Blues",
+                 {sound + "TAG" + full('T') + full('A') + full('L') + "1234" + full('5') + '\0'}},
+                {facts + " tag=4 title=Title",
                  {sound + appended, sound + appended + "TAG" + padded("", 124) + "\xFF"}},
                 {facts, {sound + footer.substr(0, 6) + "\x7F\x7F\x7F\x7F"}},
                 // the first one has it
@@ -290,18 +304,24 @@ TEST(ByStandard, TakesLengthsFromTheEncodersHeader) {
     const std::string both = bigEndian(3) + bigEndian(383) + bigEndian(100000);
     const std::string all = bigEndian(15) + both.substr(4) + std::string(100, '\0') + bigEndian(0);
     const std::string behind = std::string(12, '\0') + "\x24\x04\x38"; // what the encoder added
-    expectEach([](const std::string& content) { return lengthOf(content, 0, TagReading::byStandard); },
-               {{"10 s of ~80 kbit/s",
-                 {audio(36, "Xing" + both),
-                  audio(36, "VBRI" + bigEndian(0, 6) + bigEndian(100000) + bigEndian(383), 0xFFFB90C0),
-                  audio(13, "Xing" + both, 0xFFF390C0)}}, // 576 samples
-                {"20 s of ~40 kbit/s", {audio(13, "Xing" + both, 0xFFF590C0)}},
-                {"10 s of ~4 kbit/s", {audio(36, "Xing" + frames)}}, // by the file's own size
-                {"10 s of 128 kbit/s",
-                 {audio(36, "Info" + both), audio(36, "Info" + frames + "LAME3.88x" + behind)}},
-                {"9 s of ~80 kbit/s", {audio(36, "Xing" + all + "LAME3.100" + behind)}},
-                {"9 s of 128 kbit/s", {audio(36, "Info" + frames + "Lavc60xyz" + behind)}},
-                {"0 s of 128 kbit/s", {audio(36, "Info" + bigEndian(1) + bigEndian(0))}}});
+    expectEach(
+        [](const std::string& content) { return lengthOf(content, 0, TagReading::byStandard); },
+        {{"10 s of ~80 kbit/s",
+          {audio(36, "Xing" + both),
+           audio(36, "VBRI" + bigEndian(0, 6) + bigEndian(100000) + bigEndian(383), 0xFFFB90C0),
+           audio(13, "Xing" + both, 0xFFF390C0)}}, // 576 samples
+         {"10 s of ~7996 kbit/s", {audio(36, "Xing" + bigEndian(3) + bigEndian(383) + bigEndian(10000000))}},
+         {"3 s of 128 kbit/s", {audio(36, "Info" + bigEndian(1) + bigEndian(125), 0xFFFB9400)}},
+         {"3 s of ~267 kbit/s",
+          {audio(36, "VBRI" + bigEndian(0, 6) + bigEndian(100000) + bigEndian(125), 0xFFFB9400)}},
+         {"20 s of ~40 kbit/s", {audio(13, "Xing" + both, 0xFFF590C0)}},
+         {"10 s of ~4 kbit/s", {audio(36, "Xing" + frames)}}, // by the file's own size
+         {"10 s of 128 kbit/s",
+          {audio(36, "Info" + both), audio(36, "Info" + frames + "LAME3.88x" + behind)}},
+         {"9 s of ~80 kbit/s",
+          {audio(36, "Xing" + all + "LAME3.100" + behind), audio(36, "Xing" + all + "LAME3.98r" + behind)}},
+         {"9 s of 128 kbit/s", {audio(36, "Info" + frames + "Lavc60xyz" + behind)}},
+         {"0 s of 128 kbit/s", {audio(36, "Info" + bigEndian(1) + bigEndian(0))}}});
     const std::string xing = audio(36, "Xing" + bigEndian(1) + bigEndian(1));
     EXPECT_EQ(readByStandard("x.mp3", xing, std::uint64_t{1} << 40U).record.mp3BitRate, ~0U);
 }
@@ -318,12 +338,14 @@ TEST(HiddenTexts, AreThoseThatOnlyTheStandardsGive) {
                {{"shown",
                  {id3Tag(textFrame("TIT2", "plain"), 16, 4), id3Tag(frame("COMM", "\0engiTunNORM\0 0"s)),
                   id3Tag(frame("COMM", "\0eng\0Nice\0"s)), id3Tag(frame("TCOM", "\0A\0B"s), 16, 4),
-                  id3Tag(textFrame("TCON", "31"))}},
+                  id3Tag(textFrame("TCON", "31")), id3Tag(textFrame("TIT2", ""))}},
                 {"hidden",
-                 {id3Tag(textFrame("TIT2", "Caf\xE9")), id3Tag(textFrame("TDRC", "2004"), 16, 4),
-                  id3Tag(frame("TRCK", "\2\0003"s), 16, 4), id3Tag(frame("COMM", "\0eng\0Nice"s)), // "Nic"
+                 {id3Tag(textFrame("TIT2", "Caf\xE9")), id3Tag(textFrame("TCON", "Caf\xE9")),
+                  id3Tag(textFrame("TDRC", "2004"), 16, 4), id3Tag(frame("TRCK", "\2\0003"s), 16, 4),
+                  id3Tag(frame("COMM", "\0eng\0Nice"s)), // "Nic"
                   id3Tag(textFrame("TPE1", "Ann") + textFrame("TPE1", "Bo\xEB")),
                   id3Tag(frame("USLT", "\3xxx\0l\xC3\xA9"s), 16, 4)}}});
+    EXPECT_FALSE(hidesTexts(text("/nowhere.mp3"), {}, nullptr));
     EXPECT_FALSE(mayHideTexts(amdTypeMP3, audioTags()) || mayHideTexts(amdTypeM4A, audioTags()));
     EXPECT_TRUE(mayHideTexts(amdTypeWAVE, audioTags()));
 }

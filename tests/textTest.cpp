@@ -9,6 +9,7 @@
 #include "text/stringsFile.h"
 #include "text/textDecoding.h"
 #include "text/textSearch.h"
+#include "text/unicodeVersion.h"
 #include "text/userLocale.h"
 #include "text/utf8Form.h"
 
@@ -21,6 +22,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <malloc.h>
 #include <map>
 #include <set>
 #include <tuple>
@@ -47,6 +49,14 @@ TEST(TextValue, TellsAbsentFromEmpty) {
     EXPECT_TRUE(SvxStringIsEqual(SvxStringFromUTF16(u"abc"), text("abc")));
 }
 
+/// For builds that do not look for leaks themselves.
+TEST(TextValue, LeavesNoMemoryBehind) {
+    const auto inLargeBlocks = [] { return mallinfo2().hblkhd; };
+    const std::size_t before = inLargeBlocks();
+    { const SvxStringRef large = text(std::string(50000000, 'x')); }
+    EXPECT_EQ(inLargeBlocks(), before);
+}
+
 TEST(TextValue, DecodesBytes) {
     // 0xF0 is the private-use U+F8FF, and 0xDE and 0xDF are the ligatures fi and fl.
     EXPECT_EQ(joined<std::string>({"\x8A\xDB\xF0", bytes("a\0b"), "\xDE\xDF"}, SvxStringFromCString),
@@ -56,8 +66,9 @@ TEST(TextValue, DecodesBytes) {
               "é|🎵|\xEF\xBB\xBFx|");
     // What is no UTF-8, such as a surrogate or an overlong form, is Mac OS Roman.
     const std::string far(100, 'a');
-    EXPECT_EQ(joined<std::string>({"\xE9", "\xED\xA0\x80", "\xC0\xAF", far + "\xE2\x82"}, SvxStringFromUTF8),
-              "È|Ì†Ä|¿Ø|" + far + "‚Ç|");
+    EXPECT_EQ(joined<std::string>({"\xE9", "\x80", "\xED\xA0\x80", "\xC0\xAF", far + "\xE2\x82"},
+                                  SvxStringFromUTF8),
+              "È|Ä|Ì†Ä|¿Ø|" + far + "‚Ç|");
 }
 
 TEST(TextValue, HandsOutUnitsAndRangesWithinTheTextAlone) {
@@ -92,11 +103,16 @@ TEST(TextValue, DecodesPieces) {
         Drip source(content, content);
         EXPECT_EQ(plain(SvxStringFromSource(SvxEncoding::utf8, source)), content);
     }
+    Drip wide(sample::utf16("Noten und noch mehr"), "");
+    wide.later = wide.now;
+    EXPECT_EQ(plain(SvxStringFromSource(SvxEncoding::utf16LittleEndian, wide)), "Noten und noch mehr");
     // A file that changes between the passes must not be written past the storage measured for it.
     Drip shrinks("0123456789", "01");
     EXPECT_FALSE(SvxStringFromSource(SvxEncoding::ascii, shrinks));
     Drip widens("0123456789", "0123€89x");
     EXPECT_FALSE(SvxStringFromSource(SvxEncoding::utf8, widens));
+    Drip grows("ééééé", "0123456789");
+    EXPECT_FALSE(SvxStringFromSource(SvxEncoding::utf8, grows));
 }
 
 TEST(TextValue, FindsUnderCanonicalEquivalenceAndCase) {
@@ -104,18 +120,33 @@ TEST(TextValue, FindsUnderCanonicalEquivalenceAndCase) {
     const std::string many(90, 'i');
     const std::string manyMore(280, 'a');
     // Positions count the units as stored, no character is taken apart, and U+212A is the Kelvin sign.
-    const std::vector<Case> cases = {
-        {"3/12", "/", 0, true, 1},         {"xxITUNNORMx", "iTunNORM", 0, false, 2},
-        {"12", "/", 0, true, -1},          {"xxITUNNORMx", "iTunNORM", 0, true, -1},
-        {"a/b/c", "/", 2, true, 3},        {"un café noir", "cafe\u0301", 0, true, 3},
-        {"abc", "c", 3, true, -1},         {"un cafe\u0301 noir", "CAFÉ", 0, false, 3},
-        {"abc", "", 0, true, -1},          {"e\u0301 noir", "NOIR", 0, false, 3},
-        {"café", "e", 0, true, -1},        {"cafe\u0301", "e", 0, true, -1},
-        {"groß", "SS", 0, false, 3},       {"STRASSE", "straße", 0, false, 0},
-        {"fe\uFB06", "ST", 0, false, 2},   {"\uFB01x", "fi", 0, false, 0},
-        {"groß", "s", 0, false, -1},       {many + "itUN" + many, "iTun", 0, false, 90},
-        {"가", "\u1100", 0, true, -1},     {"日" + many + "itUN", "iTun", 0, false, 91},
-        {"10 \u212Am", "km", 0, false, 3}, {many + manyMore + "b", manyMore + "b", 0, true, 90}};
+    const std::vector<Case> cases = {{"3/12", "/", 0, true, 1},
+                                     {"xxITUNNORMx", "iTunNORM", 0, false, 2},
+                                     {"12", "/", 0, true, -1},
+                                     {"xxITUNNORMx", "iTunNORM", 0, true, -1},
+                                     {"a/b/c", "/", 2, true, 3},
+                                     {"un café noir", "cafe\u0301", 0, true, 3},
+                                     {"abc", "c", 3, true, -1},
+                                     {"un cafe\u0301 noir", "CAFÉ", 0, false, 3},
+                                     {"abc", "", 0, true, -1},
+                                     {"e\u0301 noir", "NOIR", 0, false, 3},
+                                     {"café", "e", 0, true, -1},
+                                     {"cafe\u0301", "e", 0, true, -1},
+                                     {"groß", "SS", 0, false, 3},
+                                     {"STRASSE", "straße", 0, false, 0},
+                                     {"fe\uFB06", "ST", 0, false, 2},
+                                     {"\uFB01x", "fi", 0, false, 0},
+                                     {"groß", "s", 0, false, -1},
+                                     {many + "itUN" + many, "iTun", 0, false, 90},
+                                     {"가", "\u1100", 0, true, -1},
+                                     {"日" + many + "itUN", "iTun", 0, false, 91},
+                                     {many, "ii", 0, true, 0},
+                                     {"日本", "本", 0, true, 1},
+                                     {"日i", "日i", 0, true, 0},
+                                     {"e\u0300", "e", 0, true, -1},
+                                     {"\u212Am", "km", 0, false, 0},
+                                     {"10 \u212Am", "km", 0, false, 3},
+                                     {many + manyMore + "b", manyMore + "b", 0, true, 90}};
     for (const auto& [whole, needle, start, caseSensitive, expected] : cases) {
         SCOPED_TRACE(whole + " / " + needle);
         EXPECT_EQ(SvxStringPosition(text(whole), text(needle), start, caseSensitive), expected);
@@ -136,7 +167,8 @@ TEST(TextValue, TestsBeginningsAndEnds) {
         {"mp3", ".MP3", false, false, false},      {"日本.mp3", ".MP3", false, false, true},
         {"song.mp3", "", false, false, false},     {"song.mp3", nullptr, false, false, false},
         {"É x", "\x83", true, true, false},        {"cafe\u0301", "\x83", false, false, true},
-        {"e", "\x83", false, false, false}};
+        {"e", "\x83", false, false, false},        {"Ä", "\x80", true, true, true},
+        {"e\u0301", "\x83", false, true, true}};
     for (const auto& [whole, needle, caseSensitive, begins, ends] : cases) {
         EXPECT_EQ(SvxStringBeginsWithCString(text(whole), needle, caseSensitive), begins) << whole;
         EXPECT_EQ(SvxStringEndsWithCString(text(whole), needle, caseSensitive), ends) << whole;
@@ -165,6 +197,11 @@ TEST(TextValue, KnowsEveryCharacterThatCountsAsAscii) {
             }
         }
     }
+}
+
+TEST(TextValue, NamesTheVersionOfItsLibrary) {
+    EXPECT_TRUE(unicodeVersion().starts_with(std::to_string(U_ICU_VERSION_MAJOR_NUM) + "."))
+        << unicodeVersion();
 }
 
 TEST(TextValue, ReadsLeadingIntegers) {
@@ -247,8 +284,8 @@ TEST(Display, FormatsNumbersAsTheUserDoes) {
 }
 
 TEST(Display, FormatsDurations) {
-    EXPECT_EQ(joined<std::uint32_t>({0, 59, 61, 600, 3600, 3601, 7199, 65535}, SvxStringMakeDurationString),
-              "0:00|0:59|1:01|10:00|60:00|1:00:01|1:59:59|18:12:15|");
+    EXPECT_EQ(joined<std::uint32_t>({0, 59, 61, 600, 3600, 3601, 7200, 65535}, SvxStringMakeDurationString),
+              "0:00|0:59|1:01|10:00|60:00|1:00:01|2:00:00|18:12:15|");
     EXPECT_EQ(joined<std::uint32_t>({9, 123}, SvxStringMakePaddedNumberString), "09|123|");
 }
 
@@ -316,7 +353,8 @@ TEST(LocalizedStrings, ParseTheirSyntax) {
         parseStringsFile("/* a */ \"k\" = \"v\"; // b\n\"q\\\"\" = \"\\n\\r\\t\\\\ \\U00e9\\Ud83c\\Udfb5\";"),
         (Entries{{"k", "v"}, {"q\"", "\n\r\t\\ é🎵"}}));
     EXPECT_EQ(parseStringsFile("/*/ \"a\" = \"b\"; */ /**/ \"k\" = \"v\";"), (Entries{{"k", "v"}}));
-    for (const char* broken : {"\"k\" = \"v\"", "\"k\" \"v\";", "\"k\" = \"\\Ud83c\";", "\"k", "\\", "/* "}) {
+    for (const char* broken :
+         {"\"k\" = \"v\"", "\"k\" \"v\";", "\"k\" = \"\\Ud83c\";", "\"k\" = \"\\Ug\";", "\"k", "\\", "/* "}) {
         EXPECT_TRUE(parseStringsFile(broken).empty()) << broken;
     }
 }
