@@ -114,6 +114,7 @@ TEST_F(Connectors, NameTheInstallationThatTheyBelongTo) {
     EXPECT_EQ(find("dolphin")->state, State::connected);
     const std::string menu = folders.data + "/kio/servicemenus/sonarin.desktop";
     EXPECT_EQ(access(menu.c_str(), X_OK), 0);
+    EXPECT_NE(access((folders.config + "/plasma-workspace/env/sonarin.sh").c_str(), X_OK), 0);
     std::stringstream text;
     text << std::ifstream(menu).rdbuf();
     EXPECT_NE(text.str().find(R"("/100%% \\"of\\" \\$s/)"), std::string::npos) << text.str();

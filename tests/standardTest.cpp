@@ -129,7 +129,9 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
         // Extended headers; one that does not fit is none.
         id3Tag(bigEndian(6) + std::string(6, '\0') + title, 9, 3, 0x40),
         id3Tag(bigEndian(10) + "\x80\0\0\0\0\x09 CRC"s + title, 9, 3, 0x40),
-        id3Tag(bigEndian(6) + "\1\0"s + title, 9, 4, 0x40), id3Tag(title, 9, 3, 0x40),
+        id3Tag(bigEndian(6) + "\1\0"s + title, 9, 4, 0x40),
+        id3Tag(sevenBits(200) + "\1\0"s + std::string(194, '\0') + title, 9, 4, 0x40),
+        id3Tag(title, 9, 3, 0x40),
         // Grouped and encrypted frames.
         id3Tag(frame("TIT2", "\0no"s, 0x40) + title, 9, 3),
         id3Tag(frame("TIT2", "\0no"s, 0x20) + title, 9, 3),
@@ -151,6 +153,7 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
                {{"36 tag=4 title=Title", {id3Tag(title, 0, 4, 0x10)}}, // with a footer
                 {"26 tag=3 title=Title", {id3Tag(title, 0, 3, 0x10)}},
                 {"26", {id3Tag(title, 0, 1), id3Tag(title, 0, 5)}},
+                {"10 tag=3", {id3Tag("", 0)}},
                 {"0",
                  {"ID3", "ID3\3\xFF\0\0\0\0\0"s, "ID3\xFF\0\0\0\0\0\0"s, "ID3\3\0\0\0\0\x80\0"s,
                   "ID3\3\0\0\0\0\0\x80"s, id3Tag(title).replace(0, 3, "3DI")}}});
