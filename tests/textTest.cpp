@@ -158,6 +158,7 @@ TEST(TextValue, TestsBeginningsAndEnds) {
         {"song.mp3", "", false, false, false},     {"song.mp3", nullptr, false, false, false},
         {"É x", "\x83", true, true, false},        {"cafe\u0301", "\x83", false, false, true},
         {"e", "\x83", false, false, false},        {"Ä", "\x80", true, true, true},
+        {"songxmp3", ".MP3", false, false, false}, {"xtunes", "iTunes", false, false, false},
         {"e\u0301", "\x83", false, true, true}};
     for (const auto& [whole, needle, caseSensitive, begins, ends] : cases) {
         EXPECT_EQ(SvxStringBeginsWithCString(text(whole), needle, caseSensitive), begins) << whole;
