@@ -12,6 +12,8 @@ namespace sonarin {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr std::int16_t genreTable = 513;
 constexpr std::int32_t lastCode = 191;
 
@@ -144,7 +146,7 @@ SvxStringRef mp3LoadGenreString(std::int32_t number) noexcept {
 
 SvxStringRef id3GenreNames(const SvxStringRef& content) noexcept {
     // Without the byte-order marks that values may begin with.
-    const SvxStringRef values = SvxStringJoinParts(content, std::string_view("\0", 1));
+    const SvxStringRef values = SvxStringJoinParts(content, "\0"sv);
     return values ? GenreList(values).names() : nullptr;
 }
 

@@ -58,7 +58,7 @@ public:
         storeText(3, 30, &record_->mp3SongTitleString);
         storeText(33, 30, &record_->mp3ArtistString);
         storeText(63, 30, &record_->mp3AlbumString);
-        storeText(97, hasTrack(block_) ? 28 : 30, &record_->mp3CommentString);
+        storeText(97, 30, &record_->mp3CommentString); // of which a zero byte parts a track
         if (hasTrack(block_) && record_->mp3TheTrack == 0) {
             record_->mp3TheTrack = block_[126];
         }

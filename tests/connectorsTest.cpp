@@ -45,7 +45,7 @@ protected:
     ConnectorFolders folders{.root = folder.path("root"),
                              .sources = SONARIN_CONNECTORS,
                              .plugins = folder.path("plug 'ins$(false)"),
-                             .programs = "/100% \"of\" $s",
+                             .programs = "/100% \"of\" $s\\b",
                              .data = folder.path("data"),
                              .config = folder.path("config"),
                              .quodLibet = folder.path("config/quodlibet"),
@@ -117,7 +117,7 @@ TEST_F(Connectors, NameTheInstallationThatTheyBelongTo) {
     EXPECT_NE(access((folders.config + "/plasma-workspace/env/sonarin.sh").c_str(), X_OK), 0);
     std::stringstream text;
     text << std::ifstream(menu).rdbuf();
-    EXPECT_NE(text.str().find(R"("/100%% \\"of\\" \\$s/)"), std::string::npos) << text.str();
+    EXPECT_NE(text.str().find(R"("/100%% \\"of\\" \\$s\\\\b/)"), std::string::npos) << text.str();
     setenv("SONARIN_PLUGINS", folders.plugins.c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     const std::string command =
         "QT_PLUGIN_PATH=/before; . '" + folders.config +

@@ -186,6 +186,17 @@ TEST(Files, AreOpenedForWritingWhenAskedAndNeverAsNumberZero) {
     close(standardInput);
 }
 
+/// As the kernel's own files do.
+TEST(Files, MayDeliverLessThanTheySay) {
+    const FileDescriptor file = openRegularFile("/sys/devices/system/cpu/online");
+    std::array<std::uint8_t, 1000> bytes{};
+    if (!file) {
+        GTEST_SKIP() << "no /sys";
+    }
+    EXPECT_EQ(feReadFromFile(file.get(), 0, bytes.size(), bytes.data()), fileShortReadErr);
+    EXPECT_EQ(feReadFromFile(file.get(), 4096, 1, bytes.data()), fileEofErr);
+}
+
 TEST(Files, AreClosedWithTheirOwner) {
     const int number = openRegularFile("/proc/self/exe").get();
     EXPECT_EQ(openRegularFile("/proc/self/exe").get(), number);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/host/mountPoints.h"
 
+#include <charconv>
+#include <cstdint>
 #include <fstream>
 #include <sstream>
 
@@ -13,8 +15,9 @@ std::string unescaped(const std::string& field) {
     std::string text;
     for (std::size_t i = 0; i < field.size(); ++i) {
         if (field[i] == '\\' && i + 3 < field.size()) {
-            text +=
-                static_cast<char>((field[i + 1] - '0') * 64 + (field[i + 2] - '0') * 8 + field[i + 3] - '0');
+            std::uint8_t code = 0;
+            (void)std::from_chars(&field[i + 1], &field[i + 4], code, 8);
+            text += static_cast<char>(code);
             i += 3;
         } else {
             text += field[i];
