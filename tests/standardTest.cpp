@@ -318,7 +318,9 @@ TEST(ByStandard, TakesLengthsFromTheEncodersHeader) {
          {"3 s of ~267 kbit/s",
           {audio(36, "VBRI" + bigEndian(0, 6) + bigEndian(100000) + bigEndian(125), 0xFFFB9400)}},
          {"20 s of ~40 kbit/s", {audio(13, "Xing" + both, 0xFFF590C0)}},
-         {"10 s of ~4 kbit/s", {audio(36, "Xing" + frames)}}, // by the file's own size
+         {"10 s of ~4 kbit/s",
+          {audio(36, "Xing" + frames),
+           id3Tag("", 5000) + audio(36, "Xing" + frames)}}, // by the file's own size
          {"10 s of 128 kbit/s",
           {audio(36, "Info" + both), audio(36, "Info" + frames + "LAME3.88x" + behind)}},
          {"9 s of ~80 kbit/s",

@@ -275,9 +275,9 @@ TEST(Display, FormatsNumbersAsTheUserDoes) {
 }
 
 TEST(Display, FormatsDurations) {
-    EXPECT_EQ(
-        joined<std::uint32_t>({0, 59, 61, 600, 3600, 3601, 7199, 7200, 65535}, SvxStringMakeDurationString),
-        "0:00|0:59|1:01|10:00|60:00|1:00:01|1:59:59|2:00:00|18:12:15|");
+    EXPECT_EQ(joined<std::uint32_t>({0, 59, 61, 600, 3600, 3601, 3660, 7199, 7200, 65535},
+                                    SvxStringMakeDurationString),
+              "0:00|0:59|1:01|10:00|60:00|1:00:01|1:01:00|1:59:59|2:00:00|18:12:15|");
     EXPECT_EQ(joined<std::uint32_t>({9, 123}, SvxStringMakePaddedNumberString), "09|123|");
 }
 
