@@ -31,6 +31,7 @@ TEST(Classification, GoesByNameWithoutCodes) {
                 "song.aifc -> none", "a.mp3.txt -> none", " -> none"});
     EXPECT_EQ(amdAudioFileType(SvxStringGetEmpty()), amdTypeNone);
     EXPECT_EQ(mp3PossibleFile(text("a.mp3"), 0, 0), 1U);
+    EXPECT_EQ(mp3PossibleFile(text("a"), fourCC("MPEG"), 0), 1U);
     for (const std::uint32_t type : {0U, fourCC("M4A ")}) {
         bool isM4P = true;
         EXPECT_TRUE(aacPossibleFile(text("a.m4a"), type, 0, &isM4P));
