@@ -131,6 +131,8 @@ TEST(ID3v1, FillsAndOverwritesTheRecord) {
         [&](const std::string& content) { return facts(content); },
         {{" tag=1 code=-1 year=1999 title= album=Album comment=" + comment, {block("", comment, '\xFF')}},
          {" tag=1 code=126 year=1999 title= album=Album", {block("", "", 126)}},
+         {" tag=1 year=1999 track=1 title= album=Album genre=Blues",
+          {block("", std::string(29, '\0') + '\1', 0)}},
          {" tag=1 year=1999 title=a\0b album=Album genre=Blues"s, {block("a\0b  "s, "", 0)}},
          {" tag=1 year=1234 title=" + full('T') + " artist=" + full('A') + " album=" + full('L') +
               " comment=" + full('C') + " genre=Blues",
