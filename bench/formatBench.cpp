@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "bench/benchFiles.h"
 #include "bench/printFiles.h"
-#include "tests/support/sampleBytes.h"
+#include "tools/sampleBytes.h"
 
 namespace {
 

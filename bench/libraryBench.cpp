@@ -3,7 +3,7 @@
 // and reading its first 64 KiB) and against TagLib, the fastest of the common tag libraries.
 #include "bench/benchFiles.h"
 #include "bench/printFiles.h"
-#include "tests/support/sampleBytes.h"
+#include "tools/sampleBytes.h"
 
 #include <algorithm>
 #include <array>

@@ -5,7 +5,7 @@
 #include "platform/desktop/busSources.h"
 #include "platform/desktop/qtPicture.h"
 #include "platform/desktop/sideWork.h"
-#include "tests/support/sampleBytes.h"
+#include "tools/sampleBytes.h"
 #include "tools/windowSupport.h"
 
 #include <QApplication>

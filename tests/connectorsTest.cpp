@@ -2,7 +2,7 @@
 #include "platform/host/connectors.h"
 
 #include "platform/host/userHome.h"
-#include "tests/support/testFolder.h"
+#include "tools/testFolder.h"
 
 #include <gtest/gtest.h>
 

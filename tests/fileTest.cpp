@@ -3,8 +3,8 @@
 #include "platform/host/mountPoints.h"
 #include "platform/host/renameItem.h"
 #include "tests/support/readBytes.h"
-#include "tests/support/sampleBytes.h"
 #include "text/stringEngine.h"
+#include "tools/sampleBytes.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include "app/window/textColours.h"
 #include "platform/desktop/fileIcon.h"
 #include "platform/desktop/qtPicture.h"
-#include "tests/support/sampleBytes.h"
+#include "tools/sampleBytes.h"
 #include "tools/windowSupport.h"
 
 #include <QApplication>

@@ -2,7 +2,7 @@
 #include "tools/windowSupport.h"
 
 #include "app/window/cocoaUtils.h"
-#include "tests/support/sampleBytes.h"
+#include "tools/sampleBytes.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>

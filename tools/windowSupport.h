@@ -3,8 +3,8 @@
 
 #include "app/window/AppController.h"
 #include "platform/desktop/fileUri.h"
-#include "tests/support/childProcess.h"
-#include "tests/support/testFolder.h"
+#include "tools/childProcess.h"
+#include "tools/testFolder.h"
 
 #include <map>
 

@@ -5,9 +5,9 @@
 #include "engine/id3v2.h"
 #include "engine/readCache.h"
 #include "tests/support/readFile.h"
-#include "tests/support/sampleBytes.h"
-#include "tests/support/testFolder.h"
 #include "text/stringEngine.h"
+#include "tools/sampleBytes.h"
+#include "tools/testFolder.h"
 
 #include <gtest/gtest.h>
 

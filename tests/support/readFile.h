@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/fileEngine.h"
-#include "tests/support/testFolder.h"
+#include "tools/testFolder.h"
 
 #include <filesystem>
 #include <string>

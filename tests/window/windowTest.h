@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/sampleBytes.h"
+#include "tools/sampleBytes.h"
 #include "tools/windowSupport.h"
 
 #include <gtest/gtest.h>
