@@ -106,7 +106,7 @@ TEST(Aiff, ReadsTagsOnBothSidesAndFailsOnWhatItCannotReadToTheEnd) {
                 {" result=-1",
                  {aiff(brief), // four more bytes are read than the chunk has
                   aiff(common + brief), aiff(common + iffChunk("COMM", "c")), // nine bytes are a cut one
-                  iffForm("AIFX", common), "FORM"}}});
+                  iffForm("AIFX", common), iffForm("AIFF", common).replace(0, 1, "f"), "FORM"}}});
 }
 
 TEST(ChunkFormats, FillWhatIsGiven) {

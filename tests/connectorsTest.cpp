@@ -140,11 +140,13 @@ TEST_F(Connectors, SayWhatCannotBeDone) {
     put("root/usr/lib/a/nemo/extensions-3.0/libnemo-python.so");
     EXPECT_EQ(addConnector(folders, "another"), std::errc::invalid_argument);
     EXPECT_EQ(removeConnector(folders, "another"), std::errc::invalid_argument);
-    put("data", "no folder");
-    EXPECT_TRUE(addConnector(folders, "nemo"));
+    fs::create_symlink("data", folders.data); // which leads nowhere
+    EXPECT_TRUE(addConnector(folders, "nemo") && removeConnector(folders, "nemo"));
     folders.sources = "/nowhere";
     EXPECT_EQ(addConnector(folders, "nemo"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(find("nemo")->state, State::available);
+    folders.config.clear();
+    EXPECT_EQ(addConnector(folders, "nemo"), std::errc::not_a_directory);
 }
 
 } // namespace

@@ -165,20 +165,19 @@ TEST(FrameText, IsRecognisedByItsBytes) {
     expectRows(decoded, {"eng\0Nice -> Nic"s, "a\0 -> a"s});
     expectRows(decoded, {"Caf\xE9 -> (absent)", "Caf\xC3\xA9 -> (absent)", "\xFE\xFF\0H\0i -> (absent)"s,
                          "eng\0ITUNnorm 00\0 -> (absent)"s, "my itunes_cddb -> (absent)"});
-    expectEach(decoded,
-               {{"Hi", {mark + utf16("Hi")}},
-                {"Hi\0"s, {mark + utf16("Hi") + "\0\0"s}},
-                {"Hi塸", {mark + utf16("Hi") + "x"}}, // the second byte is the X behind it
-                {"", {mark, "eng" + marks + "xx"}},   // twelve bytes are enough
-                {"(absent)",
-                 {"eng" + marks, "123456789" + mark + utf16("ab")}}, // too short for the rule; a mark at 9
-                {"ab", {"12345678" + mark + utf16("ab")}},           // one at 8 is still found
-                {"Note", {"eng" + marks + utf16("Note") + "\0\0"s}},
-                {"Not", {"eng" + marks + utf16("Note")}},
-                // read as Mac OS Roman
-                {"ˇ˛d\0\0\0ˇ˛t"s, {"eng" + mark + utf16("d") + "\0\0"s + mark + utf16("t")}},
-                {"\0\xEF\xBB\xBFText"s, {"deu" + marks + utf16("Text")}},
-                {"\0\xEF\xBB\xBFx"s, {"ENG" + marks + utf16("x")}}});
+    expectEach(decoded, {{"Hi", {mark + utf16("Hi")}},
+                         {"Hi\0"s, {mark + utf16("Hi") + "\0\0"s}},
+                         {"Hi塸", {mark + utf16("Hi") + "x"}}, // the second byte is the X behind it
+                         {"", {mark, "eng" + marks + "xx"}},   // twelve bytes are enough
+                         {"(absent)",
+                          {"eng" + marks + "x", "123456789" + mark + utf16("ab")}}, // too short; a mark at 9
+                         {"ab", {"12345678" + mark + utf16("ab")}},                 // one at 8 is still found
+                         {"Note", {"eng" + marks + utf16("Note") + "\0\0"s}},
+                         {"Not", {"eng" + marks + utf16("Note")}},
+                         // read as Mac OS Roman
+                         {"ˇ˛d\0\0\0ˇ˛t"s, {"eng" + mark + utf16("d") + "\0\0"s + mark + utf16("t")}},
+                         {"\0\xEF\xBB\xBFText"s, {"deu" + marks + utf16("Text")}},
+                         {"\0\xEF\xBB\xBFx"s, {"ENG" + marks + utf16("x")}}});
 }
 
 TEST(FrameText, JoinsWhatIsThereAndFailsUnchanged) {
@@ -257,7 +256,8 @@ TEST(FramePicture, MayGoOnInAHole) {
 
 TEST(FramePicture, IsNoneWhenTheFileChangesMeanwhile) {
     const std::string start = "image/png\0\3\0\x89PNG"s;
-    for (const std::string& changed : {start + std::string(50000, 'p'), std::string(100016, 'q'), ""s}) {
+    for (const std::string& changed :
+         {start + std::string(50000, 'p'), start + std::string(100001, 'p'), std::string(100016, 'q'), ""s}) {
         OpenBytes file(start + std::string(100000, 'p'));
         file.change(changed); // the buffer still holds what the file began with
         audioTags record;

@@ -116,6 +116,7 @@ TEST(Panel, StandsInText) {
     EXPECT_NE(asText(&record).find("Cover     5000 bytes\n"), std::string::npos);
     record.mp3CoverArtPlace = {};
     EXPECT_EQ(asText(&record).find("Cover"), std::string::npos);
+    EXPECT_EQ(plain(withoutTerminators(text(std::string(2, '\0')))), "");
     EXPECT_EQ(asText(nullptr, true), "\x1b[36mName\x1b[0m      b.mp3\n\x1b[36mSize\x1b[0m      2.0 KB\n");
 }
 

@@ -59,6 +59,11 @@ class Output(Folder):
                 self.assertEqual(run("--cover", target, *call.split(), cwd=self.folder),
                                  (1, b"", complaints(complaint)) if complaint else (0, b"", ""))
                 self.assertEqual(path.read_bytes() if path.exists() else None, after)
+        for force, left in ("", []), ("--force", ["full.png"]):  # half a picture stays only where it may replace another
+            full = f'trap "" XFSZ; ulimit -f 1; exec "$0" {force} --cover full.png song.mp3'
+            failed = subprocess.run(["sh", "-c", full, INFO], cwd=self.folder, capture_output=True, text=True)
+            self.assertEqual((failed.stderr, [path.name for path in self.folder.glob("full*")]),
+                             (complaints("song.mp3: full.png: File too large"), left))
 
     def test_usage(self):
         for problem, *calls in (

@@ -346,8 +346,8 @@ TEST(LocalizedStrings, ParseTheirSyntax) {
         parseStringsFile("/* a */ \"k\" = \"v\"; // b\n\"q\\\"\" = \"\\n\\r\\t\\\\ \\U00e9\\Ud83c\\Udfb5\";"),
         (Entries{{"k", "v"}, {"q\"", "\n\r\t\\ é🎵"}}));
     EXPECT_EQ(parseStringsFile("/*/ \"a\" = \"b\"; */ /**/ \"k\" = \"v\";"), (Entries{{"k", "v"}}));
-    for (const char* broken :
-         {"\"k\" = \"v\"", "\"k\" \"v\";", "\"k\" = \"\\Ud83c\";", "\"k\" = \"\\Ug\";", "\"k", "\\", "/* "}) {
+    for (const char* broken : {"\"k\" = \"v\"", "\"k\" \"v\";", "\"k\" = \"\\Ud83c\";",
+                               "\"k\" = \"\\Ud83c\\U0041\";", "\"k\" = \"\\Ug\";", "\"k", "\\", "/* "}) {
         EXPECT_TRUE(parseStringsFile(broken).empty()) << broken;
     }
 }
