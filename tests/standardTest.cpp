@@ -112,6 +112,7 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
     const std::string zeros = std::string(0x97F, 'x') + std::string(2000, '\0') + "y";
     const std::string plainSize = id3Frame("TXXX", longText);
     const std::string noPlain = padded(frame("TXXX", longText) + title, 10 + 0x022C, 'x');
+    const std::string noFrame = "TXXX\0\0\0\0\0\0"s; // but an empty one
     const std::string loud = id3Frame("TPE1", "\0"s + repeated(79, "LOUD") + "LOU");
     const std::string likeSeven = id3Frame("TXXX", padded(std::string(172, 'x') + "TXXX\0\0\1\6"s, 300));
     std::vector<std::string> tags = {
@@ -124,10 +125,9 @@ TEST(ByStandard, KeepsToTheTagAndItsSizes) {
                60, 4),
         // Plain ones, where a frame holds what might be the next one's start, or padding.
         id3Tag(id3Frame("APIC", padded(zeros, 0x1340, 'x')) + title, 90, 4), id3Tag(loud + title, 1, 4),
-        id3Tag(loud + title, 90000, 4),
+        id3Tag(loud + title, 90000, 4), id3Tag(loud + title + noFrame, 0, 4),
         // The first size that tells anything tells it of all.
-        id3Tag(id3Frame("TXXX", std::string(128, 'x')) + likeSeven + title, 0, 4),
-        id3Tag("TXXX\0\0\0\0\0\0"s + title), // an empty frame
+        id3Tag(id3Frame("TXXX", std::string(128, 'x')) + likeSeven + title, 0, 4), id3Tag(noFrame + title),
         // What is no frame stands where a plain size would lead.
         id3Tag(noPlain + repeated(3, "XXX\1\0\0\0\0\0\0"s), 60, 4),
         id3Tag(noPlain + repeated(3, "XX\1X\0\0\0\0\0\0"s), 60, 4),
@@ -328,7 +328,7 @@ TEST(ByStandard, TakesLengthsFromTheEncodersHeader) {
            id3Tag("", 5000) + audio(36, "Xing" + frames)}}, // by the file's own size
          {"10 s of 128 kbit/s",
           {audio(36, "Info" + both), audio(36, "Info" + both).substr(0, 52), // right at the end
-           audio(36, "Info" + frames + "LAME3.88x" + behind)}},
+           audio(36, "Info" + frames + "LAME3.88x" + behind), audio(36, "Info" + frames + "GOGO" + behind)}},
          {"9 s of ~80 kbit/s",
           {audio(36, "Xing" + all + "LAME3.100" + behind), audio(36, "Xing" + all + "LAME3.98r" + behind)}},
          {"9 s of 128 kbit/s", {audio(36, "Info" + frames + "Lavc60xyz" + behind)}},
