@@ -120,7 +120,7 @@ TEST(ChunkFormats, FillWhatIsGiven) {
     EXPECT_EQ(info.sampleSize, 24U);
     EXPECT_FALSE(miGetWAVInfo(path, &info));
     EXPECT_EQ(info.sampleSize, 0U);
-    const std::string wave = formatChunk({0x11}) + riffChunk("fact", littleEndian(1));
+    const std::string wave = formatChunk({0x11, 2, 44100, 44359, 4}) + riffChunk("fact", littleEndian(1));
     EXPECT_TRUE(miGetWAVInfo(text(folder.write("y", riffForm(wave, 0))), &info));
     EXPECT_EQ(info.sampleSize, 16U);
     EXPECT_TRUE(miGetAIFFInfo(path, nullptr, &record));
