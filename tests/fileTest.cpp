@@ -217,7 +217,7 @@ TEST(Files, AreAskedAgainWhenASignalInterrupts) {
 TEST(Paths, ComeBackAsTheyWere) {
     FSRef ref;
     for (const std::string path :
-         {"/a/b.mp3", "/ä/日本/🎵.mp3", "/\xFF\x80/\xC3.mp3", "\xED\xA0\x80", "\xEF\xBB\xBF"}) {
+         {"/a/b.mp3", "/ä/日本/🎵.mp3", "/\xFF\x80/\xC3\xE2\x82.mp3", "\xED\xA0\x80", "\xEF\xBB\xBF"}) {
         EXPECT_EQ(feMakeFSRefFromPath(feMakePathText(path), &ref), 0);
         EXPECT_EQ(ref.path, path);
     }
