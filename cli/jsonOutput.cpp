@@ -8,7 +8,6 @@
 #include "text/stringEngine.h"
 #include "text/unicodeForms.h"
 
-#include <array>
 #include <cstdint>
 #include <string_view>
 #include <utility>
@@ -145,11 +144,11 @@ private:
     }
 
     void appendUnicodeEscape(CodePoint character) {
-        const auto digit = [character](unsigned shift) {
-            return "0123456789abcdef"[(static_cast<unsigned>(character) >> shift) & 0xFU];
-        };
-        const std::array escape = {'\\', 'u', digit(12), digit(8), digit(4), digit(0)};
-        out_.append({escape.data(), escape.size()});
+        constexpr std::string_view hexDigits = "0123456789abcdef";
+        out_.append("\\u");
+        for (const unsigned shift : {12U, 8U, 4U, 0U}) {
+            out_.append(hexDigits[(static_cast<unsigned>(character) >> shift) & 0xFU]);
+        }
     }
 
     OutputBuffer& out_;
