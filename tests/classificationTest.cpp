@@ -65,6 +65,8 @@ TEST(TypeCodes, ComeFromWhereverTheDiskKeepsThem) {
     }
     folder.write("._old song", appleDouble("MPG3abcd").replace(24, 2, "\0\1"s)); // says that it ends before
     EXPECT_EQ(hostTypeCodes(path).type, 0U);
+    folder.write("._old song", appleDouble("MPG3abcd").replace(46, 4, bigEndian(7))); // too short for both
+    EXPECT_EQ(hostTypeCodes(path).type, 0U);
     folder.write("._old song", appleDouble("MPG3abcd"));
     EXPECT_EQ(hostTypeCodes(path).creator, fourCC("abcd"));
     // A Finder info without any code says nothing.

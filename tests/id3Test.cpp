@@ -169,9 +169,9 @@ TEST(FrameText, IsRecognisedByItsBytes) {
                          {"Hi\0"s, {mark + utf16("Hi") + "\0\0"s}},
                          {"Hi塸", {mark + utf16("Hi") + "x"}}, // the second byte is the X behind it
                          {"", {mark, "eng" + marks + "xx"}},   // twelve bytes are enough
-                         {"(absent)",
-                          {"eng" + marks + "x", "123456789" + mark + utf16("ab")}}, // too short; a mark at 9
-                         {"ab", {"12345678" + mark + utf16("ab")}},                 // one at 8 is still found
+                         {"(absent)", {"eng" + marks, "eng" + marks + "x"}}, // too short for the rule
+                         {"(absent)", {"123456789" + mark + utf16("ab")}},   // a mark at 9
+                         {"ab", {"12345678" + mark + utf16("ab")}},          // one at 8 is still found
                          {"Note", {"eng" + marks + utf16("Note") + "\0\0"s}},
                          {"Not", {"eng" + marks + utf16("Note")}},
                          // read as Mac OS Roman

@@ -78,6 +78,8 @@ TEST(MpegStream, KeepsTagsAndReadsID3v1OnlyWithoutID3v2Text) {
     const std::string title = id3Tag(textFrame("TIT2", "v2"));
     expectEach(mpegFacts, {{facts + " tag=3 title=v2", {title + rest}},
                            {facts + " tag=3 comment=note", {id3Tag(textFrame("COMM", "note")) + rest}},
+                           {facts + " tag=3 title=note artist=note",
+                            {id3Tag(textFrame("TIT2", "note") + textFrame("TPE1", "note")) + rest}},
                            {facts + " tag=3 album=note comment=note",
                             {id3Tag(textFrame("TALB", "note") + textFrame("COMM", "note")) + rest}},
                            {facts + " tag=1 title=v1 composer=Bach genre=Blues",

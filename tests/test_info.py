@@ -62,8 +62,8 @@ class Output(Folder):
         for force, left in ("", []), ("--force", ["full.png"]):  # half a picture stays only where it may replace another
             full = f'trap "" XFSZ; ulimit -f 1; exec "$0" {force} --cover full.png song.mp3'
             failed = subprocess.run(["sh", "-c", full, INFO], cwd=self.folder, capture_output=True, text=True)
-            self.assertEqual((failed.stderr, [path.name for path in self.folder.glob("full*")]),
-                             (complaints("song.mp3: full.png: File too large"), left))
+            self.assertEqual((failed.returncode, failed.stderr, [path.name for path in self.folder.glob("full*")]),
+                             (1, complaints("song.mp3: full.png: File too large"), left))
 
     def test_usage(self):
         for problem, *calls in (

@@ -108,6 +108,8 @@ TEST(TextValue, DecodesPieces) {
     Drip wide(units, units);
     EXPECT_EQ(plain(SvxStringFromSource(SvxEncoding::utf16LittleEndian, wide)), "Noten und noch mehr");
     // A file that changes between the passes must not be written past the storage measured for it.
+    Drip shrinks("0123456789", "01");
+    EXPECT_FALSE(SvxStringFromSource(SvxEncoding::ascii, shrinks));
     for (const std::string then : {"01", "ééééé", "0123€89x", "01234567\xE9x"}) {
         Drip changes("0123456789", then);
         EXPECT_FALSE(SvxStringFromSource(SvxEncoding::utf8, changes)) << then;
